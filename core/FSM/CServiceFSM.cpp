@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "FSM/CServiceFSM.h"
+
+#include <utility>
+
+#include "Common/Failure.h"
+#include "lyn_service_log.h"
+
+namespace lyn {
+namespace {
+
+constexpr const char* STATE_LEGEND = "(0: READY, 1: SCANNING, 2: REQUESTING, 3: NOT_READY)";
+
+void CheckArg(const EventArgPtr& arg)
+{
+    if (!arg) {
+        LYN_LOGE("%s", "arg is nullptr");
+        throw LynExceptionInternal("event argument is nullptr");
+    }
+}
+
+void RunAction(const EventArgPtr& arg)
+{
+    if (arg && arg->m_Action) {
+        arg->m_Action();
+    }
+}
+
+[[noreturn]] void RefuseEvent()
+{
+    LogAndThrow<LynExceptionInvalidState>("Invalid State");
+}
+
+}  // namespace
+
+CServiceFSM::~CServiceFSM() = default;
+
+lyn_error_e CServiceFSM::Init(StateChangedCb stateChangedCb)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    m_StateChangedCb = std::move(stateChangedCb);
+    return InitStateMap() ? LYN_ERROR_NONE : LYN_ERROR_INTERNAL;
+}
+
+lyn_error_e CServiceFSM::Deinit()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (!m_StateChangedCb) {
+        return LYN_ERROR_NONE;
+    }
+    m_StateChangedCb = nullptr;
+    return DeinitStateMap() ? LYN_ERROR_NONE : LYN_ERROR_INTERNAL;
+}
+
+bool CServiceFSM::InitStateMap()
+{
+    const auto bind = [this](void (CServiceFSM::*handler)(const EventArgPtr&)) -> EventHandler {
+        return [this, handler](const EventArgPtr& arg) { (this->*handler)(arg); };
+    };
+    const EventHandler stopScan = bind(&CServiceFSM::HandleStopScanOnScanning);
+    const EventHandler controlAdvertise = bind(&CServiceFSM::HandleControlAdvertise);
+
+    m_StateMap = {
+        {LYN_STATE_READY,
+         {{LYN_FSM_EVENT_START_SCAN, bind(&CServiceFSM::HandleStartScanOnReady)},
+          {LYN_FSM_EVENT_STOP_SCAN, stopScan},
+          {LYN_FSM_EVENT_REQUEST_INITIATING, bind(&CServiceFSM::HandleReqInitiatingOnReady)},
+          {LYN_FSM_EVENT_START_ADVERTISE, controlAdvertise},
+          {LYN_FSM_EVENT_STOP_ADVERTISE, controlAdvertise}}},
+        {LYN_STATE_SCANNING,
+         {{LYN_FSM_EVENT_STOP_SCAN, stopScan},
+          {LYN_FSM_EVENT_SCAN_STOPPED, bind(&CServiceFSM::HandleScanStoppedOnScanning)},
+          {LYN_FSM_EVENT_REQUEST_INITIATING, bind(&CServiceFSM::HandleReqInitiatingOnScanning)},
+          {LYN_FSM_EVENT_START_ADVERTISE, controlAdvertise},
+          {LYN_FSM_EVENT_STOP_ADVERTISE, controlAdvertise}}},
+        {LYN_STATE_REQUESTING,
+         {{LYN_FSM_EVENT_STOP_SCAN, bind(&CServiceFSM::HandleStopScanOnReqeusting)},
+          {LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, bind(&CServiceFSM::HandleReqInitiatingResultOnRequesting)}}},
+        {LYN_STATE_NOT_READY, {{LYN_FSM_EVENT_STOP_SCAN, stopScan}}},
+    };
+    return true;
+}
+
+bool CServiceFSM::DeinitStateMap()
+{
+    m_StateMap.clear();
+    return true;
+}
+
+lyn_state_e CServiceFSM::GetCurrentState() const
+{
+    const lyn_state_e state = m_CurrentState;
+    LYN_LOGW("current state : %d %s", state, STATE_LEGEND);
+    return state;
+}
+
+void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    const auto state = m_StateMap.find(GetCurrentState());
+    if (state == m_StateMap.end()) {
+        RefuseEvent();
+    }
+    const EventMap handlers = state->second;
+    const auto found = handlers.find(event);
+    if (found == handlers.end()) {
+        RefuseEvent();
+    }
+    if (!found->second) {
+        LogAndThrow<LynExceptionInternal>("function pointer is nullptr");
+    }
+    found->second(arg);
+}
+
+void CServiceFSM::TransitState(lyn_state_e state)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (!m_StateChangedCb) {
+        LogAndThrow<LynExceptionInternal>("m_StateChangedCb is nullptr");
+    }
+    const std::lock_guard lock(m_Mutex);
+    LYN_LOGW("transit to %d from %d %s", state, m_CurrentState.load(), STATE_LEGEND);
+    m_CurrentState = state;
+    m_StateChangedCb(state);
+}
+
+void CServiceFSM::HandleStartScanOnReady(const EventArgPtr& arg)
+{
+    CheckArg(arg);
+    RunAction(arg);
+    TransitState(LYN_STATE_SCANNING);
+}
+
+void CServiceFSM::HandleStopScanOnScanning(const EventArgPtr& arg)
+{
+    RunAction(arg);
+    TransitState(LYN_STATE_READY);
+}
+
+void CServiceFSM::HandleScanStoppedOnScanning(const EventArgPtr& /*arg*/)
+{
+    TransitState(LYN_STATE_READY);
+}
+
+void CServiceFSM::HandleReqInitiatingOnReady(const EventArgPtr& arg)
+{
+    CheckArg(arg);
+    RunAction(arg);
+    TransitState(LYN_STATE_REQUESTING);
+}
+
+void CServiceFSM::HandleReqInitiatingOnScanning(const EventArgPtr& arg)
+{
+    CheckArg(arg);
+    RunAction(arg);
+    TransitState(LYN_STATE_REQUESTING);
+}
+
+void CServiceFSM::HandleReqInitiatingResultOnRequesting(const EventArgPtr& /*arg*/)
+{
+    TransitState(LYN_STATE_READY);
+}
+
+void CServiceFSM::HandleStopScanOnReqeusting(const EventArgPtr& arg)
+{
+    CheckArg(arg);
+    RunAction(arg);
+}
+
+void CServiceFSM::HandleControlAdvertise(const EventArgPtr& arg)
+{
+    CheckArg(arg);
+    RunAction(arg);
+}
+
+}  // namespace lyn

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The state machine of every service but "nodlink".
+//
+//   event \ state                READY     SCANNING   REQUESTING   NOT_READY
+//   START_SCAN                   scan      -          -            -
+//   STOP_SCAN                    stop      stop       stop, stay   stop
+//   SCAN_STOPPED                 -         READY      -            -
+//   REQUEST_INITIATING           request   request    -            -
+//   REQUEST_INITIATING_RESULT    -         -          READY        -
+//   START_, STOP_ADVERTISE       stay      stay       -            -
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+
+#include "FSM/IServiceFSM.h"
+
+namespace lyn {
+
+class CServiceFSM : public IServiceFSM {
+public:
+    CServiceFSM() = default;
+    ~CServiceFSM() override;
+
+    /// Stores the callback and builds the table. Reports nothing.
+    lyn_error_e Init(StateChangedCb stateChangedCb) override;
+    /// Clears both; every later event is refused.
+    lyn_error_e Deinit() override;
+    void ProcessEvent(LynFsmEvent event, const EventArgPtr& arg) override;
+
+    lyn_state_e GetCurrentState() const;
+    /// Moves to a state, the present one included, and reports it. The report comes under the machine's
+    /// lock: the callback must not move the same machine. Throws LynExceptionInternal without a callback.
+    void TransitState(lyn_state_e state);
+
+    void HandleStartScanOnReady(const EventArgPtr& arg);
+    void HandleStopScanOnScanning(const EventArgPtr& arg);
+    void HandleScanStoppedOnScanning(const EventArgPtr& arg);
+    void HandleReqInitiatingOnReady(const EventArgPtr& arg);
+    void HandleReqInitiatingOnScanning(const EventArgPtr& arg);
+    void HandleReqInitiatingResultOnRequesting(const EventArgPtr& arg);
+    void HandleStopScanOnReqeusting(const EventArgPtr& arg);
+    void HandleControlAdvertise(const EventArgPtr& arg);
+
+protected:
+    using EventHandler = std::function<void(const EventArgPtr&)>;
+    using EventMap = std::map<LynFsmEvent, EventHandler>;
+
+    bool InitStateMap();
+    bool DeinitStateMap();
+
+    StateChangedCb m_StateChangedCb;
+    std::atomic<lyn_state_e> m_CurrentState{LYN_STATE_READY};
+    std::map<lyn_state_e, EventMap> m_StateMap;
+    std::mutex m_Mutex;
+};
+
+}  // namespace lyn
