@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanner/CNodLinkScanner.h"
+
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <utility>
+
+#include "Common/Failure.h"
+#include "Common/Util.h"
+#include "Scanner/AdvertisingLayout.h"
+#include "lyn_service_log.h"
+
+namespace lyn {
+namespace {
+
+constexpr int KIND_OFFSET = 1;
+constexpr char KIND_PHONE = 13;
+constexpr char KIND_AV = 4;
+constexpr int VERSION_OFFSET = 13;
+constexpr int SHORTEST_DATA = VERSION_OFFSET + 1;
+
+bool HasBits(char byte, unsigned mask)
+{
+    return (static_cast<unsigned char>(byte) & mask) == mask;
+}
+
+void CheckData(const char* data)
+{
+    if (data == nullptr) {
+        LogAndThrow<LynExceptionNotValidDevice>("data is nullptr");
+    }
+}
+
+}  // namespace
+
+CNodLinkScanner::CNodLinkScanner() : CNodLinkScanner(nullptr, nullptr) {}
+
+CNodLinkScanner::CNodLinkScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb)
+    : CScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb), "")
+{
+}
+
+bool CNodLinkScanner::StartScan()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    bt_adapter_le_set_customized_scan_mode_with_scan_type(0, static_cast<float>(m_ScanInterval),
+                                                          static_cast<float>(m_ScanWindow));
+    if (!StartPlatformScan()) {
+        return false;
+    }
+    KmsgPrint(LOG_TAG, __func__, "[%s]", LynUtil::GetCurTime().c_str());
+    return true;
+}
+
+bool CNodLinkScanner::StopScan()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (!StopPlatformScan()) {
+        return false;
+    }
+    KmsgPrint(LOG_TAG, __func__, "[%s]", LynUtil::GetCurTime().c_str());
+    return true;
+}
+
+void CNodLinkScanner::StartAdvertisement(int /*interval*/)
+{
+    LYN_LOGW("%s", "Not supported");
+}
+
+void CNodLinkScanner::StopAdvertisement()
+{
+    LYN_LOGW("%s", "Not supported");
+}
+
+std::string CNodLinkScanner::GetVersion(const char* data) const
+{
+    return data[VERSION_OFFSET] == 0 ? "2.0" : "3.0";
+}
+
+int CNodLinkScanner::GetScreeeMirroringAvalaiable(const char* data) const
+{
+    CheckData(data);
+    return HasBits(data[6], 0x01) ? 1 : 0;
+}
+
+CNodLinkScanner::Kind CNodLinkScanner::GetKind(const char* data)
+{
+    if (data[KIND_OFFSET] == KIND_PHONE) {
+        return HasBits(data[5], 0x04) ? Kind::mobile : Kind::foreign;
+    }
+    const bool isAv = data[KIND_OFFSET] == KIND_AV && HasBits(data[2], 0x03) && HasBits(data[4], 0x20);
+    return isAv ? Kind::av : Kind::foreign;
+}
+
+CNodLinkScanner::Kind CNodLinkScanner::GetKind(const ManufacturerData& advertised)
+{
+    const bool isReadable = advertised.company == COMPANY_ID && advertised.length >= SHORTEST_DATA;
+    return isReadable ? GetKind(advertised.data.get()) : Kind::foreign;
+}
+
+std::string CNodLinkScanner::GetDeviceType(const char* data) const
+{
+    CheckData(data);
+    switch (GetKind(data)) {
+    case Kind::mobile:
+        return m_MobileDeviceType;
+    case Kind::av:
+        return m_AvDeviceType;
+    case Kind::foreign:
+        break;
+    }
+    throw LynExceptionNotValidDevice("Not Nodlink device");
+}
+
+std::string CNodLinkScanner::BuildExtraData(const char* data) const
+{
+    Json::Value extraData;
+    const std::string deviceType = GetDeviceType(data);
+    extraData["device_type"] = deviceType;
+    if (deviceType == m_MobileDeviceType) {
+        extraData["sm_available"] = GetScreeeMirroringAvalaiable(data);
+        extraData["nodlink_version"] = GetVersion(data);
+    }
+    Json::StreamWriterBuilder writer;
+    writer["indentation"] = "";
+    return Json::writeString(writer, extraData);
+}
+
+std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_info_s* info) const
+{
+    if (!HasAdvertising(*info)) {
+        throw LynExceptionNotValidDevice("adv data is nullptr");
+    }
+    const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+    if (advertised.company != COMPANY_ID) {
+        throw LynExceptionNotValidDevice("Not Calyxon device");
+    }
+    if (advertised.length < SHORTEST_DATA) {
+        throw LynExceptionNotValidDevice("Not Nodlink device");
+    }
+    return BuildExtraData(advertised.data.get());
+}
+
+void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
+{
+    if (!IsUsable(info)) {
+        return;
+    }
+    try {
+        if (!HasAdvertising(*info)) {
+            return;
+        }
+        const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+        if (GetKind(advertised) == Kind::foreign) {
+            return;  // Nearly every advertisement in the air: no exception, no log line.
+        }
+        const std::string extraData = BuildExtraData(advertised.data.get());
+        KmsgPrint(LOG_TAG, __func__, "[%s] address : %s, extra_data : %s", LynUtil::GetCurTime().c_str(),
+                  info->remote_address, extraData.c_str());
+        NotifyDeviceFound("", info->remote_address, "", info->rssi, extraData);
+    } catch (const LynExceptionNotValidDevice&) {
+        // What there is to say has been logged.
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception %s", e.what());
+    }
+}
+
+}  // namespace lyn

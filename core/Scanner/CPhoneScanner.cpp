@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanner/CPhoneScanner.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Common/Failure.h"
+#include "Common/PlatformCodes.h"
+#include "Common/Util.h"
+#include "Scanner/AdvertisingLayout.h"
+#include "lyn_service_log.h"
+
+namespace lyn {
+namespace {
+
+constexpr int MARKER_OFFSET = 1;
+constexpr int UNIQUE_ID_OFFSET = 2;
+constexpr int UNIQUE_ID_LENGTH = 22;
+constexpr unsigned int NAME_OFFSET = 2;
+
+std::string UniqueId(const char* data)
+{
+    return {data + UNIQUE_ID_OFFSET, UNIQUE_ID_LENGTH};
+}
+
+}  // namespace
+
+CPhoneScanner::CPhoneScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb,
+                             const Feature& feature)
+    : CScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb), feature.advTriggerKey), m_Feature(feature)
+{
+}
+
+bool CPhoneScanner::StartScan()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (bt_adapter_le_set_scan_mode(0) != PLATFORM_OK) {
+        LYN_LOGE("%s", "bt_adapter_le_set_scan_mode");
+        return false;
+    }
+    return StartPlatformScan();
+}
+
+bool CPhoneScanner::StopScan()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    return StopPlatformScan();
+}
+
+bool CPhoneScanner::IsMarked(int manufacturerId, const char* data) const
+{
+    return manufacturerId == COMPANY_ID && data[MARKER_OFFSET] == m_Feature.marker;
+}
+
+bool CPhoneScanner::IsOwn(const ManufacturerData& advertised) const
+{
+    return advertised.length >= UNIQUE_ID_OFFSET + UNIQUE_ID_LENGTH &&
+           IsMarked(advertised.company, advertised.data.get());
+}
+
+void CPhoneScanner::CheckMarker(int manufacturerId, const char* data) const
+{
+    if (!IsMarked(manufacturerId, data)) {
+        throw LynExceptionNotValidDevice(m_Feature.rejection);
+    }
+}
+
+std::string CPhoneScanner::ReadName(const char* data, unsigned int length)
+{
+    const char* const begin = data + NAME_OFFSET;
+    const char* const end = data + length;
+    std::string name(begin, std::find(begin, end, '\0'));
+    LYN_LOGI("%s / %s / %u", LynUtil::ConvertByteStreamToString(data, static_cast<int>(length)).c_str(), name.c_str(),
+             length);
+    return name;
+}
+
+std::string CPhoneScanner::GetDeviceName(bt_adapter_le_device_scan_result_info_s* info, int /*length*/)
+{
+    if (info->scan_data == nullptr) {
+        LogAndThrow<LynExceptionNotValidDevice>("scan data is nullptr");
+    }
+    const ManufacturerData answered = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_SCAN_RESPONSE);
+    return ConvertManufacturerDataToDeviceName(answered.data.get(), static_cast<unsigned int>(answered.length));
+}
+
+std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int /*length*/)
+{
+    if (!HasAdvertising(*info)) {
+        throw LynExceptionNotValidDevice("adv data is nullptr");
+    }
+    const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+    if (!IsOwn(advertised)) {
+        throw LynExceptionNotValidDevice(m_Feature.rejection);
+    }
+    return UniqueId(advertised.data.get());
+}
+
+void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
+{
+    if (!IsUsable(info)) {
+        return;
+    }
+    try {
+        if (!HasAdvertising(*info)) {
+            return;
+        }
+        const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+        if (!IsOwn(advertised)) {
+            return;  // Nearly every advertisement in the air: no exception, no log line.
+        }
+        const std::string uniqueId = UniqueId(advertised.data.get());
+        const std::string name = GetDeviceName(info, info->scan_data_len);
+        NotifyDeviceFound(name, info->remote_address, uniqueId, info->rssi, "");
+    } catch (const LynExceptionNotValidDevice&) {
+        // Another kind of phone, or one that says too little; what there is to say has been logged.
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception %s", e.what());
+    }
+}
+
+}  // namespace lyn

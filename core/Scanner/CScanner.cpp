@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanner/CScanner.h"
+
+#include <utility>
+
+#include "Common/LynException.h"
+#include "Common/PlatformCodes.h"
+#include "Common/Util.h"
+#include "lyn_platform/settings.h"
+#include "lyn_service_log.h"
+
+namespace lyn {
+
+CScanner::CScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb, std::string advTriggerKey)
+    : m_DeviceFoundCallback(std::move(deviceFoundCb)),
+      m_ScanStateChangedCallback(std::move(scanStateChangedCb)),
+      m_AdvTriggerKey(std::move(advTriggerKey))
+{
+}
+
+CScanner::~CScanner() = default;
+
+bool CScanner::StartScan()
+{
+    return true;
+}
+
+bool CScanner::StopScan()
+{
+    return true;
+}
+
+void CScanner::StartAdvertisement(int interval)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    SetBleAdvertisementInterval(interval);
+    m_bAdvertising = true;
+}
+
+void CScanner::StopAdvertisement()
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (!m_bAdvertising) {
+        return;
+    }
+    SetBleAdvertisementInterval(0);
+    m_bAdvertising = false;
+}
+
+void CScanner::NotifyDeviceFound(const std::string& name, const std::string& address, const std::string& uniqueId,
+                                 int rssi, const std::string& extraData)
+{
+    if (!m_DeviceFoundCallback) {
+        LYN_LOGE("%s", "m_DeviceFoundCallback is NULL");
+        return;
+    }
+    lyn_device_info_t info{};
+    info.name = name.empty() ? nullptr : name.c_str();
+    info.address = address.c_str();
+    info.unique_id = uniqueId.c_str();
+    info.extra_data = extraData.c_str();
+    info.rssi = rssi;
+    LYN_LOGI("name : %s, address : %s, unique_id : %s, rssi : %d, extra_data : %s", Printable(info.name), info.address,
+             info.unique_id, info.rssi, info.extra_data);
+    m_DeviceFoundCallback(info);
+}
+
+void CScanner::NotifyScanStateChanged(ScanState state)
+{
+    if (!m_ScanStateChangedCallback) {
+        LYN_LOGE("%s", "m_ScanStateChangedCallback is NULL");
+        return;
+    }
+    m_ScanStateChangedCallback(state);
+}
+
+CScanner::ManufacturerData CScanner::ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
+                                                          bt_adapter_le_packet_type_e packetType)
+{
+    ManufacturerData found;
+    char* data = nullptr;
+    const int result =
+        bt_adapter_le_get_scan_result_manufacturer_data(info, packetType, &found.company, &data, &found.length);
+    if (result != PLATFORM_OK) {
+        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]", static_cast<unsigned>(result));
+        return found;
+    }
+    found.data.reset(data);
+    if (data == nullptr) {
+        throw LynExceptionInvalidParam("manufacturer data is null");
+    }
+    if (found.length < 1) {
+        throw LynExceptionInvalidParam("lenth is less then 1");
+    }
+    return found;
+}
+
+std::shared_ptr<char> CScanner::GetManufDataFromScanResult(bt_adapter_le_device_scan_result_info_s* info,
+                                                           bt_adapter_le_packet_type_e packetType,
+                                                           int& manufacturerId, int& length)
+{
+    ManufacturerData found = ReadManufacturerData(info, packetType);
+    if (!found.data) {
+        return {};
+    }
+    manufacturerId = found.company;
+    length = found.length;
+    return {std::move(found.data)};
+}
+
+void CScanner::SetBleAdvertisementInterval(int interval)
+{
+    LYN_LOGI("Interval : %d", interval);
+    if (vconf_set_int(m_AdvTriggerKey.c_str(), interval) != PLATFORM_OK) {
+        LYN_LOGE("vconf_set_int failed for key : %s", m_AdvTriggerKey.c_str());
+        throw LynExceptionOperationFailed("Failed to set ble adv interval");
+    }
+}
+
+void CScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* /*info*/) {}
+
+bool CScanner::IsUsable(const bt_adapter_le_device_scan_result_info_s* info)
+{
+    if (info == nullptr) {
+        LYN_LOGE("%s", "discInfo is NULL");
+        return false;
+    }
+    if (info->remote_address == nullptr) {
+        LYN_LOGE("%s", "disc_info->remote_address");
+        return false;
+    }
+    return true;
+}
+
+bool CScanner::HasAdvertising(const bt_adapter_le_device_scan_result_info_s& info)
+{
+    if (info.adv_data == nullptr) {
+        LYN_LOGE("%s", "adv data is nullptr");
+        return false;
+    }
+    return true;
+}
+
+bool CScanner::StartPlatformScan()
+{
+    LynUtil::SetBtPerformanceBoost(true);
+    const int result = bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData());
+    if (result != PLATFORM_OK) {
+        LynUtil::SetBtPerformanceBoost(false);
+        LYN_LOGE("bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(result));
+        return false;
+    }
+    return true;
+}
+
+bool CScanner::StopPlatformScan()
+{
+    LynUtil::SetBtPerformanceBoost(false);
+    const int result = bt_adapter_le_stop_scan();
+    if (result != PLATFORM_OK && result != BT_ERROR_NO_SCAN_RUNNING) {
+        LYN_LOGE("bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(result));
+        return false;
+    }
+    return true;
+}
+
+void CScanner::ScanResultTrampoline(int result, bt_adapter_le_device_scan_result_info_s* info, void* userData)
+{
+    if (userData == nullptr) {
+        LYN_LOGE("%s", "userData is nullptr");
+        return;
+    }
+    CallShared<CScanner>(userData, [&](CScanner& scanner) { scanner.OnLeScanResult(result, info); });
+}
+
+}  // namespace lyn

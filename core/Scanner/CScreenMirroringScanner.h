@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Phones that ask for screen mirroring. A name must be valid UTF-8.
+#pragma once
+
+#include <string>
+
+#include "Scanner/CPhoneScanner.h"
+
+namespace lyn {
+
+class CScreenMirroringScanner : public CPhoneScanner {
+public:
+    CScreenMirroringScanner();
+    CScreenMirroringScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb);
+
+    /// Throws LynExceptionNotValidDevice; `data` is not read for another company.
+    void CheckVaildAdvertisement(int manufacturerId, const char* data) const;
+    std::string ConvertManufacturerDataToDeviceName(const char* data, unsigned int length) override;
+};
+
+}  // namespace lyn
