@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Requester/CNodLinkRequester.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "Common/LynException.h"
+#include "Common/PlatformCodes.h"
+#include "Common/Util.h"
+#include "Requester/ExchangeData/CNodLinkExchangeData.h"
+#include "lyn_platform/settings.h"
+#include "lyn_service_log.h"
+
+namespace lyn {
+namespace {
+
+constexpr const char* SERVICE_UUID = "95e60810-8ad0-11e6-bdf4-4b1e122d00d0";
+constexpr const char* CHARACTERISTIC_UUID = "7909f901-904c-11e6-bdf4-9bbdfdaad9d9";
+constexpr const char* KEY_MIRRORING_MODE = "memory/lyn/nodlink/mirroring_mode";
+
+enum MirroringMode : int { MULTI_VIEW = 0, FULL_VIEW = 1, SOUND = 2 };
+
+// A phone's answer as JSON, none when it is plain text.
+std::optional<Json::Value> ParseAnswer(const std::string& answer)
+{
+    try {
+        return LynUtil::StringToJson(answer);
+    } catch (const LynExceptionJsonParsing&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+CNodLinkRequester::CNodLinkRequester() : CNodLinkRequester(nullptr) {}
+
+CNodLinkRequester::CNodLinkRequester(RequestResultCb requestResultCb)
+    : CRequester(std::move(requestResultCb), SERVICE_UUID, CHARACTERISTIC_UUID)
+{
+    InitSupportedVersionList();
+}
+
+CNodLinkRequester::~CNodLinkRequester()
+{
+    DeinitSupportedVersionList();
+}
+
+void CNodLinkRequester::InitSupportedVersionList()
+{
+    m_SupportedVersionList = {"2.0", "3.0"};
+}
+
+void CNodLinkRequester::DeinitSupportedVersionList()
+{
+    m_SupportedVersionList.clear();
+}
+
+bool CNodLinkRequester::RequestInitiating(const std::string& deviceAddress, const std::string& extraData)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    m_NodlinkType = MULTI_VIEW;
+    KmsgPrint(LOG_TAG, __func__, "[%s] addres :%s", LynUtil::GetCurTime().c_str(), deviceAddress.c_str());
+    return CRequester::RequestInitiating(deviceAddress, extraData);
+}
+
+void CNodLinkRequester::NotifyRequestResult(const std::string& result)
+{
+    KmsgPrint(LOG_TAG, __func__, "[%s] result :%s", LynUtil::GetCurTime().c_str(), result.c_str());
+    CRequester::NotifyRequestResult(result);
+}
+
+void CNodLinkRequester::SetNodLinkVersion(const std::string& version)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    const auto& supported = m_SupportedVersionList;
+    if (std::find(supported.begin(), supported.end(), version) == supported.end()) {
+        LYN_LOGE("not supported version, input : %s, supported : \"2.0\", \"3.0\"", version.c_str());
+        // Kept: callers catch the bare text, not an exception of the library's family.
+        thread_local std::string rejected;
+        rejected = version;
+        throw rejected.c_str();
+    }
+    const auto lock = LockLiveObjects();
+    m_Version = version;
+}
+
+int CNodLinkRequester::GetNodlinkType()
+{
+    return m_NodlinkType;
+}
+
+void CNodLinkRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    try {
+        CNodLinkExchangeData exchangeData(m_Version == "2.0" ? "" : m_Version);
+        const std::string data = exchangeData.GetExchangeData("control");
+        KmsgPrint(LOG_TAG, __func__, "[%s] data :%s", LynUtil::GetCurTime().c_str(), data.c_str());
+        WriteControlData(data);
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception : %s", e.what());
+        NotifyRequestResult("GattFail");
+        FinishAndDisconnect();
+    }
+}
+
+void CNodLinkRequester::OnCharateristicValueChangedCb(const char* value, int length)
+{
+    if (value == nullptr || length < 1) {
+        LYN_LOGE("%s", "wrong data");
+        return;
+    }
+    try {
+        HandleAnswer(value);
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception : %s", e.what());
+        NotifyRequestResult("GattFail");
+        FinishAndDisconnect();
+    }
+}
+
+void CNodLinkRequester::HandleAnswer(const std::string& answer)
+{
+    const std::optional<Json::Value> message = ParseAnswer(answer);
+    if (!message) {
+        HandleResult(answer);
+        return;
+    }
+    const Json::Value& constMessage = *message;
+    HandleMessage(constMessage["type"].asString(), answer);
+}
+
+void CNodLinkRequester::HandleMessage(const std::string& type, const std::string& answer)
+{
+    if (type != "fgApp") {
+        NotifyRequestResult("CommandErr");
+        FinishAndDisconnect();
+        return;
+    }
+    CNodLinkExchangeData exchangeData(answer);
+    const std::string message = exchangeData.GetExchangeData("mirroringType");
+    SetMirroringMode(message);
+    WriteControlData(message);
+}
+
+void CNodLinkRequester::HandleResult(const std::string& result)
+{
+    LYN_LOGI("data : %s", result.c_str());
+    m_bRequestDone = true;
+    NotifyRequestResult(result);
+    if (result == "Success") {
+        WriteScreenMirroringModeToVconf(m_NodlinkType);
+    }
+    FinishAndDisconnect();
+}
+
+void CNodLinkRequester::SetMirroringMode(const std::string& data)
+{
+    LYN_LOGI("data : %s", data.c_str());
+    const Json::Value message = LynUtil::StringToJson(data);
+    if (message["service"].asString() != "screen") {
+        m_NodlinkType = SOUND;
+    } else {
+        m_NodlinkType = message["view"].asString() == "full" ? FULL_VIEW : MULTI_VIEW;
+    }
+    LYN_LOGI("screen mirroring mode : %d", m_NodlinkType.load());
+}
+
+void CNodLinkRequester::WriteScreenMirroringModeToVconf(int mode)
+{
+    LYN_LOGI("screen mirroring mode : %d", mode);
+    if (vconf_set_int(KEY_MIRRORING_MODE, mode) != PLATFORM_OK) {
+        LYN_LOGE("%s", "fail to set memory/lyn/nodlink/mirroring_mode");
+    }
+}
+
+}  // namespace lyn

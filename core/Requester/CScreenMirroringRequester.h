@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Asks a phone for screen mirroring.
+#pragma once
+
+#include "Requester/CRequester.h"
+
+namespace lyn {
+
+class CScreenMirroringRequester : public CRequester {
+public:
+    CScreenMirroringRequester();
+    explicit CScreenMirroringRequester(RequestResultCb requestResultCb);
+
+    std::string BuildData() override;
+};
+
+}  // namespace lyn
