@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Service/CServiceReports.h"
+
+#include <glib.h>
+
+#include <utility>
+
+#include "Common/Failure.h"
+#include "Common/LiveObject.h"
+
+namespace lyn {
+namespace {
+
+// A postponed result on its way back to the main loop.
+struct PostedResult {
+    std::weak_ptr<CServiceReports> reports;
+    lyn_request_initiating_result_e result;
+};
+
+gboolean ReportPosted(gpointer data)
+{
+    const auto& posted = *static_cast<PostedResult*>(data);
+    if (const auto reports = posted.reports.lock()) {
+        RunGuarded([&] { reports->ReportRequestResult(posted.result); });
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void DeletePosted(gpointer data)
+{
+    delete static_cast<PostedResult*>(data);
+}
+
+}  // namespace
+
+CServiceReports::CServiceReports(StateChangedCb stateChangeCb) : m_StateChangeCb(std::move(stateChangeCb)) {}
+
+void CServiceReports::SetDeviceFoundCb(const DeviceFoundCb& cb)
+{
+    DeviceFoundCb replaced = cb;
+    const std::lock_guard lock(m_Mutex);
+    m_DeviceFoundCb.swap(replaced);
+}
+
+void CServiceReports::SetRequestResultCb(const RequestInitiatingResultCb& cb)
+{
+    RequestInitiatingResultCb replaced = cb;
+    const std::lock_guard lock(m_Mutex);
+    m_RequestResultCb.swap(replaced);
+}
+
+std::shared_ptr<IServiceFSM> CServiceReports::SetFsm(std::shared_ptr<IServiceFSM> fsm)
+{
+    const std::lock_guard lock(m_Mutex);
+    return std::exchange(m_pFsm, std::move(fsm));
+}
+
+std::shared_ptr<IServiceFSM> CServiceReports::GetFsm() const
+{
+    const std::lock_guard lock(m_Mutex);
+    return m_pFsm;
+}
+
+std::shared_ptr<IServiceFSM> CServiceReports::Close()
+{
+    const std::lock_guard lock(m_Mutex);
+    m_bClosed = true;
+    m_Postponed.clear();
+    return std::move(m_pFsm);
+}
+
+void CServiceReports::ReportDeviceFound(const lyn_device_info_t& info) const
+{
+    DeviceFoundCb callback;
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (m_bClosed) {
+            return;
+        }
+        callback = m_DeviceFoundCb;
+    }
+    if (!callback) {
+        LYN_LOGE("%s", "m_DeviceFoundCb is NULL");
+        return;
+    }
+    callback(info);
+}
+
+void CServiceReports::ReportState(lyn_state_e state) const
+{
+    StateChangedCb callback;
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (m_bClosed) {
+            return;
+        }
+        callback = m_StateChangeCb;
+    }
+    LYN_LOGI("state : %d", state);
+    if (!callback) {
+        LYN_LOGE("%s", "m_StateChangeCb is null");
+        return;
+    }
+    callback(state);
+}
+
+void CServiceReports::RaiseResultEvent() const
+{
+    const auto fsm = GetFsm();
+    if (!fsm) {
+        LogAndThrow<LynExceptionInternal>("m_pFsm is NULL");
+    }
+    fsm->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, std::make_shared<EventArg>());
+}
+
+void CServiceReports::ReportRequestResult(lyn_request_initiating_result_e result)
+{
+    if (Postpone(result)) {
+        return;
+    }
+    try {
+        RaiseResultEvent();
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception : %s", e.what());
+        return;
+    }
+    RequestInitiatingResultCb callback;
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (m_bClosed) {
+            return;  // The state callback has destroyed the service.
+        }
+        callback = m_RequestResultCb;
+    }
+    if (!callback) {
+        LYN_LOGE("%s", "m_RequestResultCb is NULL");
+        return;
+    }
+    callback(result);
+}
+
+// True also when there is nobody to report to any more.
+bool CServiceReports::Postpone(lyn_request_initiating_result_e result)
+{
+    const std::lock_guard lock(m_Mutex);
+    if (m_bClosed) {
+        return true;
+    }
+    if (m_RequestCalls == 0) {
+        return false;
+    }
+    m_Postponed.push_back(result);
+    return true;
+}
+
+void CServiceReports::PostPostponed()
+{
+    std::vector<lyn_request_initiating_result_e> results;
+    {
+        const std::lock_guard lock(m_Mutex);
+        --m_RequestCalls;
+        if (m_RequestCalls > 0) {
+            return;
+        }
+        results.swap(m_Postponed);
+    }
+    for (const lyn_request_initiating_result_e result : results) {
+        g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, ReportPosted, new PostedResult{weak_from_this(), result},
+                        DeletePosted);
+    }
+}
+
+CServiceReports::RequestCall::RequestCall(std::shared_ptr<CServiceReports> reports) : m_pReports(std::move(reports))
+{
+    const std::lock_guard lock(m_pReports->m_Mutex);
+    ++m_pReports->m_RequestCalls;
+}
+
+CServiceReports::RequestCall::~RequestCall()
+{
+    RunGuarded([this] { m_pReports->PostPostponed(); });
+}
+
+}  // namespace lyn

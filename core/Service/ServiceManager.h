@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The process-wide owner of the one live service. It checks every handle that comes in and forwards the
+// operation. Any thread: the lock covers creating, destroying and looking up; a forwarded call runs
+// without it and keeps the service alive until it ends.
+//
+// Operations throw the exceptions of Common/LynException.h, and what the service throws.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "Common/LynException.h"
+#include "Service/IService.h"
+
+namespace lyn {
+
+class CServiceManager {
+public:
+    static CServiceManager& GetInstance();
+
+    CServiceManager(const CServiceManager&) = delete;
+    CServiceManager& operator=(const CServiceManager&) = delete;
+
+    void* CreateService(const std::string& name, StateChangedCb cb);
+    void DestroyService(lyn_service_h handle);
+    void StartScan(lyn_service_h handle, DeviceFoundCb cb);
+    void StopScan(lyn_service_h handle);
+    void RequestInitiating(lyn_service_h handle, const std::string& deviceId, const std::string& extraData,
+                           RequestInitiatingResultCb cb);
+    void StartAdvertisement(lyn_service_h handle, int interval);
+    void StopAdvertisement(lyn_service_h handle);
+    void SetNodlinkVersion(lyn_service_h handle, const std::string& version);
+    int GetNodlinkType(lyn_service_h handle);
+    std::string GetRequestIntiatingErrorString(lyn_service_h handle, lyn_request_initiating_result_e result);
+
+private:
+    CServiceManager();
+    ~CServiceManager();
+
+    std::shared_ptr<IService> _GetService(lyn_service_h handle);  // NOLINT(bugprone-reserved-identifier)
+
+    std::shared_ptr<IService> m_pService;
+    std::recursive_mutex m_Mutex;
+};
+
+}  // namespace lyn
