@@ -49,7 +49,7 @@ void KmsgPrint(const char* tag, const char* function, const char* format, ...) _
 namespace lyn {
 
 /// Declared first in an operation: `const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);`. The OUT
-/// line comes on every way out, exceptions included.
+/// line comes on every way out, exceptions included. It allocates, so what a deleter calls has none.
 class ApiTracker {
 public:
     ApiTracker(const std::string& function, int line) : m_Function(function), m_Line(line)

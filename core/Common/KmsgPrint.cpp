@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "Common/RunGuarded.h"
 #include "lyn_service_log.h"
 
 namespace lyn {
@@ -23,6 +24,18 @@ std::size_t FormatAt(Line& line, std::size_t offset, const char* format, va_list
     const std::size_t start = std::min(offset, line.size());
     const int length = std::vsnprintf(line.data() + start, line.size() - start, format, arguments);
     return length > 0 ? static_cast<std::size_t>(length) : 0;
+}
+
+// The written length is the untruncated one (kept: readers take the record's size from it), so a text
+// longer than the line is followed by zeros up to that length.
+ssize_t WriteRecord(int fd, const Line& line, std::size_t length)
+{
+    if (length <= line.size()) {
+        return write(fd, line.data(), length);
+    }
+    std::vector<char> record(length);
+    std::copy(line.begin(), line.end(), record.begin());
+    return write(fd, record.data(), record.size());
 }
 
 }  // namespace
@@ -42,13 +55,11 @@ void KmsgPrint(const char* /*tag*/, const char* function, const char* format, ..
     length += FormatAt(line, length, format, arguments);
     va_end(arguments);
 
-    // The written length is the untruncated one (kept: readers take the record's size from it), so a
-    // text longer than the line is followed by zeros up to that length.
-    std::vector<char> record(std::max(length, line.size()));
-    std::copy(line.begin(), line.end(), record.begin());
-    if (write(fd, record.data(), length) < 0) {
-        std::printf("Fail to write(/dev/kmsg) %d\n", errno);
-    }
+    RunGuarded([&] {
+        if (WriteRecord(fd, line, length) < 0) {
+            std::printf("Fail to write(/dev/kmsg) %d\n", errno);
+        }
+    });
     close(fd);
 }
 

@@ -11,11 +11,10 @@
 // shared pointer meanwhile.
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <mutex>
 
-#include "lyn_service_log.h"
+#include "Common/RunGuarded.h"
 
 namespace lyn {
 
@@ -52,20 +51,6 @@ public:
 private:
     LiveToken m_Token;
 };
-
-/// The outermost frame of everything that the platform or the main loop calls: whatever is thrown is
-/// logged and dropped, because there is nobody to throw it to.
-template <typename Work>
-void RunGuarded(const Work& work) noexcept
-{
-    try {
-        work();
-    } catch (const std::exception& e) {
-        LYN_LOGE("exception dropped : %s", e.what());
-    } catch (...) {
-        LYN_LOGE("exception dropped : %s", "not a standard exception");
-    }
-}
 
 /// Runs `work(T&)` under the lock if the object lives, else does nothing.
 template <typename T, typename Work>

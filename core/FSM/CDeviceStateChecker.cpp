@@ -42,7 +42,6 @@ void CDeviceStateChecekr::Init(DeviceStateChangedCallbck callback)
 
 void CDeviceStateChecekr::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     const auto lock = LockLiveObjects();
     const bool isMine = s_Registered == m_Live.UserData();
     if (!isMine && LiveObject<CDeviceStateChecekr>::Find(s_Registered) != nullptr) {

@@ -39,7 +39,6 @@ lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
 
 void CNodLinkServiceFSM::OnDeviceEnableStateChaned(bool enabled)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     TransitState(enabled ? LYN_STATE_READY : LYN_STATE_NOT_READY);
 }
 

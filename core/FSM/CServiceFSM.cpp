@@ -44,7 +44,6 @@ lyn_error_e CServiceFSM::Init(StateChangedCb stateChangedCb)
 
 lyn_error_e CServiceFSM::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (!m_StateChangedCb) {
         return LYN_ERROR_NONE;
     }
@@ -54,28 +53,25 @@ lyn_error_e CServiceFSM::Deinit()
 
 bool CServiceFSM::InitStateMap()
 {
-    const auto bind = [this](void (CServiceFSM::*handler)(const EventArgPtr&)) -> EventHandler {
-        return [this, handler](const EventArgPtr& arg) { (this->*handler)(arg); };
-    };
-    const EventHandler stopScan = bind(&CServiceFSM::HandleStopScanOnScanning);
-    const EventHandler controlAdvertise = bind(&CServiceFSM::HandleControlAdvertise);
+    const EventHandler stopScan = &CServiceFSM::HandleStopScanOnScanning;
+    const EventHandler controlAdvertise = &CServiceFSM::HandleControlAdvertise;
 
     m_StateMap = {
         {LYN_STATE_READY,
-         {{LYN_FSM_EVENT_START_SCAN, bind(&CServiceFSM::HandleStartScanOnReady)},
+         {{LYN_FSM_EVENT_START_SCAN, &CServiceFSM::HandleStartScanOnReady},
           {LYN_FSM_EVENT_STOP_SCAN, stopScan},
-          {LYN_FSM_EVENT_REQUEST_INITIATING, bind(&CServiceFSM::HandleReqInitiatingOnReady)},
+          {LYN_FSM_EVENT_REQUEST_INITIATING, &CServiceFSM::HandleReqInitiatingOnReady},
           {LYN_FSM_EVENT_START_ADVERTISE, controlAdvertise},
           {LYN_FSM_EVENT_STOP_ADVERTISE, controlAdvertise}}},
         {LYN_STATE_SCANNING,
          {{LYN_FSM_EVENT_STOP_SCAN, stopScan},
-          {LYN_FSM_EVENT_SCAN_STOPPED, bind(&CServiceFSM::HandleScanStoppedOnScanning)},
-          {LYN_FSM_EVENT_REQUEST_INITIATING, bind(&CServiceFSM::HandleReqInitiatingOnScanning)},
+          {LYN_FSM_EVENT_SCAN_STOPPED, &CServiceFSM::HandleScanStoppedOnScanning},
+          {LYN_FSM_EVENT_REQUEST_INITIATING, &CServiceFSM::HandleReqInitiatingOnScanning},
           {LYN_FSM_EVENT_START_ADVERTISE, controlAdvertise},
           {LYN_FSM_EVENT_STOP_ADVERTISE, controlAdvertise}}},
         {LYN_STATE_REQUESTING,
-         {{LYN_FSM_EVENT_STOP_SCAN, bind(&CServiceFSM::HandleStopScanOnReqeusting)},
-          {LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, bind(&CServiceFSM::HandleReqInitiatingResultOnRequesting)}}},
+         {{LYN_FSM_EVENT_STOP_SCAN, &CServiceFSM::HandleStopScanOnReqeusting},
+          {LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, &CServiceFSM::HandleReqInitiatingResultOnRequesting}}},
         {LYN_STATE_NOT_READY, {{LYN_FSM_EVENT_STOP_SCAN, stopScan}}},
     };
     return true;
@@ -96,25 +92,23 @@ lyn_state_e CServiceFSM::GetCurrentState() const
 
 void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     const auto state = m_StateMap.find(GetCurrentState());
     if (state == m_StateMap.end()) {
         RefuseEvent();
     }
-    const EventMap handlers = state->second;
-    const auto found = handlers.find(event);
-    if (found == handlers.end()) {
+    const auto found = state->second.find(event);
+    if (found == state->second.end()) {
         RefuseEvent();
     }
-    if (!found->second) {
+    const EventHandler handler = found->second;
+    if (handler == nullptr) {
         LogAndThrow<LynExceptionInternal>("function pointer is nullptr");
     }
-    found->second(arg);
+    (this->*handler)(arg);
 }
 
 void CServiceFSM::TransitState(lyn_state_e state)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (!m_StateChangedCb) {
         LogAndThrow<LynExceptionInternal>("m_StateChangedCb is nullptr");
     }

@@ -9,10 +9,12 @@
 //   REQUEST_INITIATING           request   request    -            -
 //   REQUEST_INITIATING_RESULT    -         -          READY        -
 //   START_, STOP_ADVERTISE       stay      stay       -            -
+//
+// A result must get through even when memory is short, so neither dispatching an event nor moving the
+// state allocates.
 #pragma once
 
 #include <atomic>
-#include <functional>
 #include <map>
 #include <mutex>
 
@@ -46,7 +48,7 @@ public:
     void HandleControlAdvertise(const EventArgPtr& arg);
 
 protected:
-    using EventHandler = std::function<void(const EventArgPtr&)>;
+    using EventHandler = void (CServiceFSM::*)(const EventArgPtr&);
     using EventMap = std::map<LynFsmEvent, EventHandler>;
 
     bool InitStateMap();

@@ -7,6 +7,7 @@
 
 #include "Common/LynException.h"
 #include "Common/PlatformCodes.h"
+#include "Common/RunGuarded.h"
 #include "Common/Util.h"
 #include "Requester/ExchangeData/CNodLinkExchangeData.h"
 #include "lyn_platform/settings.h"
@@ -20,6 +21,12 @@ constexpr const char* CHARACTERISTIC_UUID = "7909f901-904c-11e6-bdf4-9bbdfdaad9d
 constexpr const char* KEY_MIRRORING_MODE = "memory/lyn/nodlink/mirroring_mode";
 
 enum MirroringMode : int { MULTI_VIEW = 0, FULL_VIEW = 1, SOUND = 2 };
+
+// One kernel-log line of what is passing; it must not stop the exchange.
+void PrintKmsg(const char* function, const char* what, const std::string& text)
+{
+    RunGuarded([&] { KmsgPrint(LOG_TAG, function, "[%s] %s :%s", LynUtil::GetCurTime().c_str(), what, text.c_str()); });
+}
 
 // A phone's answer as JSON, none when it is plain text.
 std::optional<Json::Value> ParseAnswer(const std::string& answer)
@@ -60,13 +67,13 @@ bool CNodLinkRequester::RequestInitiating(const std::string& deviceAddress, cons
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     m_NodlinkType = MULTI_VIEW;
-    KmsgPrint(LOG_TAG, __func__, "[%s] addres :%s", LynUtil::GetCurTime().c_str(), deviceAddress.c_str());
+    PrintKmsg(__func__, "addres", deviceAddress);
     return CRequester::RequestInitiating(deviceAddress, extraData);
 }
 
 void CNodLinkRequester::NotifyRequestResult(const std::string& result)
 {
-    KmsgPrint(LOG_TAG, __func__, "[%s] result :%s", LynUtil::GetCurTime().c_str(), result.c_str());
+    PrintKmsg(__func__, "result", result);
     CRequester::NotifyRequestResult(result);
 }
 
@@ -92,11 +99,10 @@ int CNodLinkRequester::GetNodlinkType()
 
 void CNodLinkRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     try {
         CNodLinkExchangeData exchangeData(m_Version == "2.0" ? "" : m_Version);
         const std::string data = exchangeData.GetExchangeData("control");
-        KmsgPrint(LOG_TAG, __func__, "[%s] data :%s", LynUtil::GetCurTime().c_str(), data.c_str());
+        PrintKmsg(__func__, "data", data);
         WriteControlData(data);
     } catch (const std::exception& e) {
         LYN_LOGE("exception : %s", e.what());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Requester/CRequester.h"
 
+#include <new>
 #include <utility>
 
 #include "Common/Failure.h"
@@ -19,6 +20,7 @@ constexpr const char* RESULT_GATT_FAIL = "GattFail";
 
 CRequester::CRequester(RequestResultCb requestResultCb, std::string serviceUuid, std::string characteristicUuid)
     : m_RequestResultCallback(std::move(requestResultCb)),
+      m_GattFailDelivery(MakeDelivery(RESULT_GATT_FAIL)),
       m_ServiceUuid(std::move(serviceUuid)),
       m_CharacteristicUuid(std::move(characteristicUuid))
 {
@@ -39,6 +41,9 @@ bool CRequester::RequestInitiating(const std::string& deviceAddress, const std::
     const auto lock = LockLiveObjects();
     LYN_LOGI("device address : %s, extra data : %s", deviceAddress.c_str(), extraData.c_str());
     m_ExtraData = extraData;
+    // What an exchange that never came to its result may have left behind.
+    m_bRequestDone = false;
+    DisarmTimeout();
     m_GattClient.reset(new CGattClient);
     m_GattClient->Init(
         [this](int result, bool connected, const std::string& address) {
@@ -47,13 +52,24 @@ bool CRequester::RequestInitiating(const std::string& deviceAddress, const std::
         [this](const char* value, int length) { OnCharateristicValueChangedCb(value, length); }, InitUuidMap());
 
     LynUtil::SetBtPerformanceBoost(true);
-    if (m_GattClient->Connect(deviceAddress)) {
+    if (Connect(deviceAddress)) {
         return true;
     }
     LynUtil::SetBtPerformanceBoost(false);
     LYN_LOGE("Fail to connect gatt %s", deviceAddress.c_str());
     m_GattClient.reset();
     return false;
+}
+
+// Want of memory is a refusal, too: nothing has been begun then.
+bool CRequester::Connect(const std::string& deviceAddress)
+{
+    try {
+        return m_GattClient->Connect(deviceAddress);
+    } catch (const std::bad_alloc& e) {
+        LYN_LOGE("exception : %s", e.what());
+        return false;
+    }
 }
 
 void CRequester::SetNodLinkVersion(const std::string& /*version*/)
@@ -68,7 +84,6 @@ int CRequester::GetNodlinkType()
 
 void CRequester::OnConnectionStateChanged(int result, bool connected, const std::string& address)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (connected) {
         OnGattConnected(result, address);
     } else {
@@ -97,7 +112,6 @@ void CRequester::OnGattConnected(int result, const std::string& /*address*/)
 
 void CRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     try {
         WriteControlData(BuildData());
     } catch (const std::exception& e) {
@@ -171,7 +185,6 @@ void CRequester::OnGattDisConnected(int result, const std::string& address)
 
 void CRequester::NotifyRequestResult(const std::string& result)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     const auto lock = LockLiveObjects();
     LynUtil::SetBtPerformanceBoost(false);
     DisarmTimeout();
@@ -179,17 +192,28 @@ void CRequester::NotifyRequestResult(const std::string& result)
         LYN_LOGE("%s", "m_RequestResultCallback is NULL");
         return;
     }
-    // Holds nothing of this requester: the application may destroy it from inside the callback.
-    m_NotifyResultFunc = [callback = m_RequestResultCallback, result] { callback(result); };
+    try {
+        m_NotifyResultFunc = MakeDelivery(result);
+    } catch (const std::bad_alloc& e) {
+        LYN_LOGE("exception : %s", e.what());
+        m_NotifyResultFunc = m_GattFailDelivery;
+    }
     g_idle_add(DeliverResult, m_Live.UserData());
+}
+
+// Holds nothing of this requester: the application may destroy it from inside the callback.
+CRequester::Delivery CRequester::MakeDelivery(const std::string& result) const
+{
+    return std::make_shared<const std::function<void()>>(
+        [callback = m_RequestResultCallback, result] { callback(result); });
 }
 
 gboolean CRequester::DeliverResult(gpointer userData)
 {
-    std::function<void()> deliver;
-    CallLocked<CRequester>(userData, [&](CRequester& requester) { deliver = requester.m_NotifyResultFunc; });
-    if (deliver) {
-        RunGuarded(deliver);
+    Delivery delivery;
+    CallLocked<CRequester>(userData, [&](CRequester& requester) { delivery = requester.m_NotifyResultFunc; });
+    if (delivery) {
+        RunGuarded(*delivery);
     }
     return G_SOURCE_REMOVE;
 }

@@ -55,6 +55,9 @@ protected:
     bool m_bRequestDone = false;
 
 private:
+    /// Hands one result to the service.
+    using Delivery = std::shared_ptr<const std::function<void()>>;
+
     struct GattClientDeleter {
         void operator()(CGattClient* client) const;
     };
@@ -62,12 +65,15 @@ private:
     static gboolean OnTimeout(gpointer userData);
     static gboolean DeliverResult(gpointer userData);
 
+    bool Connect(const std::string& deviceAddress);
+    Delivery MakeDelivery(const std::string& result) const;
     void ArmTimeout();
     void DisarmTimeout();
 
     std::unique_ptr<CGattClient, GattClientDeleter> m_GattClient;
     RequestResultCb m_RequestResultCallback;
-    std::function<void()> m_NotifyResultFunc;
+    Delivery m_NotifyResultFunc;
+    const Delivery m_GattFailDelivery;  ///< Made beforehand, for a result that finds no memory.
     std::string m_ExtraData;
     std::string m_ServiceUuid;
     std::string m_CharacteristicUuid;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Common/Failure.h"
+#include "Common/RunGuarded.h"
 #include "Common/Util.h"
 #include "Scanner/AdvertisingLayout.h"
 #include "lyn_service_log.h"
@@ -23,6 +24,12 @@ constexpr int SHORTEST_DATA = VERSION_OFFSET + 1;
 bool HasBits(char byte, unsigned mask)
 {
     return (static_cast<unsigned char>(byte) & mask) == mask;
+}
+
+// A kernel-log line; a scan that has started or stopped has done so without it, too.
+void PrintTime(const char* function)
+{
+    RunGuarded([&] { KmsgPrint(LOG_TAG, function, "[%s]", LynUtil::GetCurTime().c_str()); });
 }
 
 void CheckData(const char* data)
@@ -49,7 +56,7 @@ bool CNodLinkScanner::StartScan()
     if (!StartPlatformScan()) {
         return false;
     }
-    KmsgPrint(LOG_TAG, __func__, "[%s]", LynUtil::GetCurTime().c_str());
+    PrintTime(__func__);
     return true;
 }
 
@@ -59,7 +66,7 @@ bool CNodLinkScanner::StopScan()
     if (!StopPlatformScan()) {
         return false;
     }
-    KmsgPrint(LOG_TAG, __func__, "[%s]", LynUtil::GetCurTime().c_str());
+    PrintTime(__func__);
     return true;
 }
 

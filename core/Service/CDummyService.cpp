@@ -64,7 +64,6 @@ lyn_error_e CDummyService::Init()
 
 lyn_error_e CDummyService::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     return DeinitVariant();
 }
 

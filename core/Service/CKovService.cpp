@@ -24,7 +24,6 @@ lyn_error_e CKovService::Init()
 
 lyn_error_e CKovService::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     return DeinitVariant();
 }
 

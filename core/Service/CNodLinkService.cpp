@@ -25,7 +25,6 @@ lyn_error_e CNodLinkService::Init()
 
 lyn_error_e CNodLinkService::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     return DeinitVariant();
 }
 

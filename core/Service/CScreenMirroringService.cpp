@@ -24,7 +24,6 @@ lyn_error_e CScreenMirroringService::Init()
 
 lyn_error_e CScreenMirroringService::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     return DeinitVariant();
 }
 

@@ -6,30 +6,12 @@
 #include <utility>
 
 #include "Common/Failure.h"
-#include "Common/LiveObject.h"
 
 namespace lyn {
 namespace {
 
-// A postponed result on its way back to the main loop.
-struct PostedResult {
-    std::weak_ptr<CServiceReports> reports;
-    lyn_request_initiating_result_e result;
-};
-
-gboolean ReportPosted(gpointer data)
-{
-    const auto& posted = *static_cast<PostedResult*>(data);
-    if (const auto reports = posted.reports.lock()) {
-        RunGuarded([&] { reports->ReportRequestResult(posted.result); });
-    }
-    return G_SOURCE_REMOVE;
-}
-
-void DeletePosted(gpointer data)
-{
-    delete static_cast<PostedResult*>(data);
-}
+// Results that may be waiting at once without a further allocation; one is the rule.
+constexpr std::size_t EXPECTED_POSTPONED = 4;
 
 }  // namespace
 
@@ -110,7 +92,7 @@ void CServiceReports::RaiseResultEvent() const
     if (!fsm) {
         LogAndThrow<LynExceptionInternal>("m_pFsm is NULL");
     }
-    fsm->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, std::make_shared<EventArg>());
+    fsm->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, nullptr);  // The event has no work.
 }
 
 void CServiceReports::ReportRequestResult(lyn_request_initiating_result_e result)
@@ -153,32 +135,50 @@ bool CServiceReports::Postpone(lyn_request_initiating_result_e result)
     return true;
 }
 
-void CServiceReports::PostPostponed()
+void CServiceReports::EndRequestCall()
 {
-    std::vector<lyn_request_initiating_result_e> results;
+    std::size_t waiting = 0;
     {
         const std::lock_guard lock(m_Mutex);
         --m_RequestCalls;
-        if (m_RequestCalls > 0) {
-            return;
+        waiting = m_RequestCalls == 0 ? m_Postponed.size() : 0;
+    }
+    for (; waiting > 0; --waiting) {
+        g_idle_add(ReportPostponed, m_Live.UserData());
+    }
+}
+
+int CServiceReports::ReportPostponed(void* userData)
+{
+    CallShared<CServiceReports>(userData, [](CServiceReports& reports) {
+        if (const auto result = reports.TakePostponed()) {
+            reports.ReportRequestResult(*result);
         }
-        results.swap(m_Postponed);
+    });
+    return G_SOURCE_REMOVE;
+}
+
+std::optional<lyn_request_initiating_result_e> CServiceReports::TakePostponed()
+{
+    const std::lock_guard lock(m_Mutex);
+    if (m_Postponed.empty()) {
+        return std::nullopt;
     }
-    for (const lyn_request_initiating_result_e result : results) {
-        g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, ReportPosted, new PostedResult{weak_from_this(), result},
-                        DeletePosted);
-    }
+    const lyn_request_initiating_result_e result = m_Postponed.front();
+    m_Postponed.erase(m_Postponed.begin());
+    return result;
 }
 
 CServiceReports::RequestCall::RequestCall(std::shared_ptr<CServiceReports> reports) : m_pReports(std::move(reports))
 {
     const std::lock_guard lock(m_pReports->m_Mutex);
+    m_pReports->m_Postponed.reserve(EXPECTED_POSTPONED);
     ++m_pReports->m_RequestCalls;
 }
 
 CServiceReports::RequestCall::~RequestCall()
 {
-    RunGuarded([this] { m_pReports->PostPostponed(); });
+    m_pReports->EndRequestCall();
 }
 
 }  // namespace lyn

@@ -12,9 +12,11 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "Common/LiveObject.h"
 #include "FSM/IServiceFSM.h"
 #include "Service/IService.h"
 
@@ -54,7 +56,9 @@ public:
 
 private:
     bool Postpone(lyn_request_initiating_result_e result);
-    void PostPostponed();
+    std::optional<lyn_request_initiating_result_e> TakePostponed();
+    void EndRequestCall();
+    static int ReportPostponed(void* userData);
     void RaiseResultEvent() const;
 
     mutable std::mutex m_Mutex;
@@ -65,6 +69,7 @@ private:
     std::vector<lyn_request_initiating_result_e> m_Postponed;
     int m_RequestCalls = 0;
     bool m_bClosed = false;
+    LiveObject<CServiceReports> m_Live{this};
 };
 
 }  // namespace lyn

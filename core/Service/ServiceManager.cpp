@@ -34,6 +34,7 @@ CServiceManager::~CServiceManager() = default;
 
 CServiceManager& CServiceManager::GetInstance()
 {
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     static CServiceManager instance;
     return instance;
 }

@@ -57,7 +57,6 @@ bool CGattCharacteristic::Init(bt_gatt_h service, CharacteristicValueChangedCb c
 
 bool CGattCharacteristic::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (m_hCharacteristic != nullptr) {
         bt_gatt_client_unset_characteristic_value_changed_cb(m_hCharacteristic);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Common/GattClient/CGattClient.h"
 
+#include <new>
 #include <utility>
 
 #include "Common/Failure.h"
@@ -37,7 +38,6 @@ bool CGattClient::Init(ConnectionStateChangedCb connectionStateChangedCb, Charac
 
 bool CGattClient::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     UnregisterConnectionState();
     m_ConnectionStateChangedCb = nullptr;
     m_CharacteristicValueChangedCb = nullptr;
@@ -78,7 +78,8 @@ void CGattClient::DestroyPlatformClient()
 
 bool CGattClient::Connect(const std::string& address)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    std::string remoteAddress = address;  // What needs memory comes before what cannot be undone.
+    m_ConnectAddress = address;
     m_RemoteAddress.clear();
     m_GattRetryCount = 0;
     if (RegisterConnectionState() != PLATFORM_OK) {
@@ -90,13 +91,12 @@ bool CGattClient::Connect(const std::string& address)
         LYN_LOGE("fail to bt_gatt_connect to %s", address.c_str());
         return false;
     }
-    m_RemoteAddress = address;
+    m_RemoteAddress = std::move(remoteAddress);
     return true;
 }
 
 bool CGattClient::RetryConnect(const std::string& address)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (m_GattRetryCount < m_MaxGattRetryCount) {
         ++m_GattRetryCount;
         if (bt_gatt_connect(address.c_str(), false) == PLATFORM_OK) {
@@ -110,7 +110,6 @@ bool CGattClient::RetryConnect(const std::string& address)
 
 bool CGattClient::Disconnect()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (m_RemoteAddress.empty()) {
         LYN_LOGE("%s", "remote address is empty");
         return false;
@@ -123,7 +122,6 @@ bool CGattClient::Disconnect()
 
 bool CGattClient::RequestSetMtu(unsigned int mtu, MtuChangedCb cb)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (m_hClient == nullptr) {
         LYN_LOGE("%s", "client handle is nullptr");
         return false;
@@ -188,7 +186,6 @@ bool CGattClient::RegisterGattServices()
 
 bool CGattClient::UnRegisterGattSevices()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     m_GattServices.clear();
     return true;
 }
@@ -223,6 +220,8 @@ bool CGattClient::UpdateConnection(int result, bool connected, const std::string
         return false;
     } catch (const LynException& e) {
         LYN_LOGE("%s", e.what());
+    } catch (const std::bad_alloc& e) {
+        LYN_LOGE("%s", e.what());  // Passed on all the same: the exchange ends by an error or its time-out.
     }
     return true;
 }
@@ -273,8 +272,13 @@ void CGattClient::ConnectionStateTrampoline(int result, bool connected, const ch
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattClient>(
-        userData, [&](CGattClient& client) { client.OnConnectionStateChanged(result, connected, address); });
+    CallLocked<CGattClient>(userData, [&](CGattClient& client) {
+        if (client.m_ConnectAddress == address) {
+            client.OnConnectionStateChanged(result, connected, client.m_ConnectAddress);
+        } else {
+            client.OnConnectionStateChanged(result, connected, address);
+        }
+    });
 }
 
 void CGattClient::MtuTrampoline(bt_gatt_client_h client, const bt_gatt_client_att_mtu_info_s* info, void* userData)

@@ -39,7 +39,6 @@ bool CGattService::Init(bt_gatt_client_h client, const std::list<std::string>& c
 
 void CGattService::Deinit()
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     m_Characteristics.clear();
 }
 
