@@ -1,0 +1,33 @@
+# SPDX-License-Identifier: Apache-2.0
+#
+# lyn_warnings: linked PRIVATE by every target of the project; nobody outside sees it.
+add_library(lyn_warnings INTERFACE)
+target_compile_options(lyn_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion)
+if(LYN_WERROR)
+    target_compile_options(lyn_warnings INTERFACE -Werror)
+endif()
+
+# Instrumented code must be so as a whole: these hold for every target.
+if(LYN_SANITIZE)
+    add_compile_options(-fsanitize=${LYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${LYN_SANITIZE})
+    # A C program has the C++ part of the runtime too, for the library in C++.
+    add_link_options($<$<LINK_LANGUAGE:C>:-fsanitize-link-c++-runtime>)
+    link_libraries($<$<LINK_LANGUAGE:C>:stdc++>)
+endif()
+if(LYN_FUZZ)
+    # The fuzzer sees which code an input reaches, in the libraries too.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+if(LYN_COVERAGE)
+    # Counters are changed atomically: the library is called from many threads.
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
+# A symbol that no library offers is an error when the library is linked, not when it is loaded. With a
+# sanitizer the Clang runtime is in the program alone.
+add_library(lyn_no_undefined INTERFACE)
+if(NOT LYN_SANITIZE)
+    target_link_options(lyn_no_undefined INTERFACE -Wl,--no-undefined)
+endif()
