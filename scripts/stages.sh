@@ -1,0 +1,145 @@
+# SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
+#
+# The stages of ./test and how one of them is run. Sourced by ./test, in the folder of the project.
+
+# The release stage is the last one, so that its summary, of all tests, ends the output.
+all_stages=(format build asan tsan tidy coverage release)
+
+declare -A about=(
+    [format]="every source is formatted as .clang-format says"
+    [build]="GCC builds everything, optimised, without a warning"
+    [asan]="all tests under Clang's address, leak and undefined behaviour sanitizers"
+    [tsan]="the concurrent tests under Clang's thread sanitizer"
+    [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
+    [coverage]="the tests execute at least 95 % of the lines of core/ and src/"
+    [release]="all tests of the optimised build"
+)
+
+jobs="${JOBS:-$(nproc)}"
+lowest_line_coverage=95
+logs=build/test-logs
+
+is_stage()
+{
+    [[ " ${all_stages[*]} " == *" $1 "* ]]
+}
+
+list_stages()
+{
+    local stage
+    for stage in "${all_stages[@]}"; do
+        printf '%-9s %s\n' "$stage" "${about[$stage]}"
+    done
+}
+
+# ---- What each stage does ----------------------------------------------------------------------------
+
+build_preset()
+{
+    cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs"
+}
+
+stage_format()
+{
+    scripts/format --check
+}
+
+stage_build()
+{
+    build_preset release
+}
+
+stage_asan()
+{
+    build_preset asan && ctest --preset asan -j "$jobs"
+}
+
+stage_tsan()
+{
+    build_preset tsan && ctest --preset tsan -j "$jobs"
+}
+
+stage_tidy()
+{
+    # The build makes the generated sources and the list of commands.
+    build_preset asan &&
+        find core platform src tools -name '*.cpp' | sort | xargs -n 1 -P "$jobs" scripts/tidy-one build/asan
+}
+
+stage_coverage()
+{
+    # Counts of an earlier run would be added to.
+    build_preset coverage &&
+        find build/coverage -name '*.gcda' -delete &&
+        ctest --preset coverage -j "$jobs" &&
+        scripts/coverage-report build/coverage "$lowest_line_coverage"
+}
+
+stage_release()
+{
+    ctest --preset release -j "$jobs"
+}
+
+# ---- Running one -------------------------------------------------------------------------------------
+
+# A line about where a running stage is, for somebody who waits: on a terminal it replaces the last one.
+show_progress()
+{
+    local line
+    line="$(printf '%-9s %4d s  %s' "$1" "$3" "$(tail -n 1 "$2" | tr -d '\r' | cut -c 1-80)")"
+    if [ -t 1 ]; then
+        printf '\r\033[K%s' "$line"
+    else
+        echo "$line"
+    fi
+}
+
+# Runs a stage in a process group of its own, so that an interrupt can end all of it.
+run_quietly()
+{
+    local stage="$1" log="$2" start="$SECONDS" pause=1 shown=0 pid status=0
+    [ -t 1 ] || pause=30
+    set -m
+    "stage_$stage" >"$log" 2>&1 </dev/null &
+    pid=$!
+    set +m
+    trap 'kill -- "-$pid" 2>/dev/null; exit 130' INT TERM
+    while sleep 0.5 && kill -0 "$pid" 2>/dev/null; do
+        if [ $((SECONDS - start - shown)) -ge "$pause" ]; then
+            shown=$((SECONDS - start))
+            show_progress "$stage" "$log" "$shown"
+        fi
+    done
+    wait "$pid" || status=$?
+    trap - INT TERM
+    [ ! -t 1 ] || printf '\r\033[K'
+    return "$status"
+}
+
+run_stage()
+{
+    local stage="$1" verbose="$2" log="$logs/$1.log" start="$SECONDS" status=0
+    mkdir -p "$logs"
+    echo "==> $stage: ${about[$stage]}"
+    if [ "$verbose" = yes ] || [ "$stage" = release ]; then
+        "stage_$stage" </dev/null 2>&1 | tee "$log" || status=$?
+    else
+        run_quietly "$stage" "$log" || status=$?
+        [ "$status" -eq 0 ] || tail -n 80 "$log"
+    fi
+    if [ "$status" -ne 0 ]; then
+        echo "test: stage '$stage' FAILED after $((SECONDS - start)) s; all of its output: $log" >&2
+        echo "test: run it alone with: ./test --only $stage" >&2
+        exit 1
+    fi
+    [ "$stage" = release ] || result_line "$stage" "$log" $((SECONDS - start))
+}
+
+# What came out of a stage, in one line: the tests and the coverage, where there are any.
+result_line()
+{
+    local stage="$1" log="$2" seconds="$3" found
+    found="$(grep -E '^(100% tests passed|lines: |branches: )' "$log" | tr '\n' ' ' || true)"
+    printf '%-9s ok, %d s  %s\n' "$stage" "$seconds" "$found"
+}
