@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AdvertisingData.h"
+
+namespace lyn::simulator {
+
+namespace {
+
+constexpr std::uint8_t kFlagsType = 0x01;
+constexpr std::uint8_t kMirroringMarker = 25;
+constexpr std::uint8_t kKovMarker = 23;
+constexpr std::uint8_t kNodLinkPhoneKind = 13;
+constexpr std::uint8_t kNodLinkAvKind = 4;
+constexpr std::size_t kNodLinkLength = 14;
+
+void Append(Bytes& out, const Bytes& more)
+{
+    out.insert(out.end(), more.begin(), more.end());
+}
+
+std::uint8_t Marker(Feature feature)
+{
+    switch (feature) {
+    case Feature::mirroring:
+        return kMirroringMarker;
+    case Feature::kov:
+        return kKovMarker;
+    case Feature::nodLink:
+        break;
+    }
+    throw std::invalid_argument("NodLink phones have no marker of a name and an id");
+}
+
+Bytes WithFlags(const Bytes& manufacturerValue)
+{
+    Bytes packet = AdStructure(kFlagsType, {0x06});
+    Append(packet, ManufacturerData(kPhoneCompany, manufacturerValue));
+    return packet;
+}
+
+}  // namespace
+
+std::optional<ManufacturerDataView> FindManufacturerData(std::span<const std::uint8_t> packet)
+{
+    while (!packet.empty()) {
+        const std::size_t length = packet[0];
+        if (length == 0 || length >= packet.size()) {
+            return std::nullopt;  // padding up to the end, or a lie
+        }
+        if (packet[1] == kManufacturerDataType) {
+            if (length < 3) {
+                return std::nullopt;
+            }
+            const auto company = static_cast<std::uint16_t>(packet[2] | packet[3] << 8);
+            return ManufacturerDataView{company, packet.subspan(4, length - 3)};
+        }
+        packet = packet.subspan(length + 1);
+    }
+    return std::nullopt;
+}
+
+std::optional<Feature> FeatureNamed(const std::string& name)
+{
+    if (name == "mirroring") {
+        return Feature::mirroring;
+    }
+    if (name == "kov") {
+        return Feature::kov;
+    }
+    if (name == "nodlink") {
+        return Feature::nodLink;
+    }
+    return std::nullopt;
+}
+
+Bytes AdStructure(std::uint8_t type, const Bytes& value)
+{
+    if (value.size() > kMaxStructureValue) {
+        throw std::invalid_argument("an advertising structure holds at most 254 bytes");
+    }
+    Bytes structure{static_cast<std::uint8_t>(value.size() + 1), type};
+    Append(structure, value);
+    return structure;
+}
+
+Bytes ManufacturerData(std::uint16_t company, const Bytes& value)
+{
+    Bytes withCompany{static_cast<std::uint8_t>(company & 0xFF), static_cast<std::uint8_t>(company >> 8)};
+    Append(withCompany, value);
+    return AdStructure(kManufacturerDataType, withCompany);
+}
+
+Bytes PhoneAdvertising(Feature feature, const std::string& uniqueId)
+{
+    if (uniqueId.size() != kUniqueIdLength) {
+        throw std::invalid_argument("a unique id has 22 bytes");
+    }
+    Bytes value{0x01, Marker(feature)};
+    value.insert(value.end(), uniqueId.begin(), uniqueId.end());
+    return WithFlags(value);
+}
+
+Bytes PhoneScanResponse(Feature feature, const std::string& name)
+{
+    Bytes value{0x01, Marker(feature)};
+    value.insert(value.end(), name.begin(), name.end());
+    return ManufacturerData(kPhoneCompany, value);
+}
+
+Bytes NodLinkPhoneAdvertising(bool mirroringAvailable, bool version3)
+{
+    Bytes value(kNodLinkLength, 0);
+    value[1] = kNodLinkPhoneKind;
+    value[5] = 0x04;
+    value[6] = mirroringAvailable ? 0x01 : 0x00;
+    value[13] = version3 ? 0x01 : 0x00;
+    return WithFlags(value);
+}
+
+Bytes NodLinkAvAdvertising()
+{
+    Bytes value(kNodLinkLength, 0);
+    value[1] = kNodLinkAvKind;
+    value[2] = 0x03;
+    value[4] = 0x20;
+    return WithFlags(value);
+}
+
+Service FeatureService(Feature feature)
+{
+    const auto make = [](const char* service, const char* characteristic) {
+        return Service{service, {Characteristic{.uuid = characteristic, .answers = {}}}};
+    };
+    switch (feature) {
+    case Feature::mirroring:
+        return make("f7608236-13bd-4a99-bbcd-9426bccb6c24", "9be85432-b1db-416c-9e1c-d6d381305337");
+    case Feature::kov:
+        return make("1e5ed7a3-9e92-41c1-af60-6a15643dfb34", "fc4e4003-dd1f-4896-bc77-35a759445f69");
+    case Feature::nodLink:
+        break;
+    }
+    return make("95e60810-8ad0-11e6-bdf4-4b1e122d00d0", "7909f901-904c-11e6-bdf4-9bbdfdaad9d9");
+}
+
+}  // namespace lyn::simulator

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstdarg>
+#include <exception>
+
+#include "LogBook.h"
+#include "PlatformApi.h"
+#include "Simulator.h"
+
+using namespace lyn::simulator;
+
+int platform_log_print(int, int priority, const char* tag, const char* format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    try {
+        LogBook::Instance().Print(priority, tag, format, arguments);
+    } catch (const std::exception&) {
+        // A line that there is no memory for is lost.
+    }
+    va_end(arguments);
+    return 0;
+}
+
+int platform_kmsg_open(void)
+{
+    Simulator& simulator = Simulator::Started();
+    const std::lock_guard lock(simulator.mutex);
+    if (simulator.faults.DrawFailure("platform_kmsg_open")) {
+        return -1;
+    }
+    return simulator.kernelLog.Open();
+}
