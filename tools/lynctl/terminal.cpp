@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "terminal.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace lynctl {
+
+namespace {
+
+constexpr const char* kHideCursor = "\x1b[?25l";
+constexpr const char* kShowCursor = "\x1b[?25h";
+constexpr const char* kNoWrap = "\x1b[?7l";
+constexpr const char* kWrap = "\x1b[?7h";
+constexpr const char* kClearLine = "\x1b[K";
+constexpr const char* kClearBelow = "\x1b[J";
+
+std::string_view Environment(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+const char* Sequence(Style style)
+{
+    switch (style) {
+    case Style::strong:
+        return "\x1b[1m";
+    case Style::dim:
+        return "\x1b[2m";
+    case Style::good:
+        return "\x1b[32m";
+    case Style::fair:
+        return "\x1b[33m";
+    case Style::bad:
+        return "\x1b[31m";
+    case Style::accent:
+        return "\x1b[36m";
+    case Style::plain:
+        break;
+    }
+    return "";
+}
+
+}  // namespace
+
+Look LookOfOutput()
+{
+    Look look;
+    look.unicode = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+    const std::string_view terminal = Environment("TERM");
+    look.live = isatty(STDOUT_FILENO) != 0 && !terminal.empty() && terminal != "dumb";
+    look.colour = look.live && Environment("NO_COLOR").empty();
+    winsize size{};
+    if (look.live && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0) {
+        look.width = size.ws_col;
+        look.height = size.ws_row;
+    }
+    return look;
+}
+
+std::string Paint(const std::string& text, Style style, const Look& look)
+{
+    if (!look.colour || style == Style::plain || text.empty()) {
+        return text;
+    }
+    return Sequence(style) + text + "\x1b[0m";
+}
+
+void Print(const std::string& text)
+{
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+LiveArea::~LiveArea()
+{
+    if (m_drawn) {
+        Print(kShowCursor);
+    }
+}
+
+void LiveArea::Draw(const std::string& block)
+{
+    std::string out = m_drawn ? "" : kHideCursor;
+    out += kNoWrap;
+    if (m_lines > 0) {
+        out += "\r\x1b[" + std::to_string(m_lines) + "A";
+    }
+    m_lines = 0;
+    for (std::size_t begin = 0; begin < block.size(); ++m_lines) {
+        const std::size_t end = std::min(block.find('\n', begin), block.size() - 1) + 1;
+        // Cleared before it is written: behind a full line the cursor is still on its last character.
+        out += kClearLine + block.substr(begin, end - begin);
+        begin = end;
+    }
+    out += kClearBelow;
+    out += kWrap;
+    m_drawn = true;
+    Print(out);
+}
+
+void LiveArea::Clear()
+{
+    if (!m_drawn) {
+        return;
+    }
+    Draw("");
+    Print(kShowCursor);
+    m_drawn = false;
+}
+
+}  // namespace lynctl
