@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/LogLines.h"
+
+#include <algorithm>
+
+#include "lyn_simulator/simulator.h"
+
+namespace lyn::test {
+namespace {
+
+Line Split(const simulator::LogLine& line)
+{
+    const std::size_t colon = line.text.find(": ");
+    const std::size_t bracket = line.text.find('(', colon);
+    const std::size_t arrow = line.text.find(") > ", bracket);
+    if (colon == std::string::npos || bracket == std::string::npos || arrow == std::string::npos) {
+        return {line.priority, "", "", line.text};
+    }
+    return {line.priority, line.text.substr(0, colon), line.text.substr(colon + 2, bracket - colon - 2),
+            line.text.substr(arrow + 4)};
+}
+
+}  // namespace
+
+std::vector<Line> LogLines()
+{
+    std::vector<Line> lines;
+    for (const simulator::LogLine& line : simulator::Log()) {
+        lines.push_back(Split(line));
+    }
+    return lines;
+}
+
+std::vector<std::string> Messages(Priority priority)
+{
+    std::vector<std::string> messages;
+    for (const Line& line : LogLines()) {
+        if (line.priority == priority) {
+            messages.push_back(line.message);
+        }
+    }
+    return messages;
+}
+
+int CountLog(Priority priority, const std::string& message)
+{
+    const std::vector<std::string> messages = Messages(priority);
+    return static_cast<int>(std::count(messages.begin(), messages.end(), message));
+}
+
+bool HasLog(Priority priority, const std::string& message)
+{
+    return CountLog(priority, message) > 0;
+}
+
+bool HasLogWith(Priority priority, const std::string& text)
+{
+    const std::vector<std::string> messages = Messages(priority);
+    return std::any_of(messages.begin(), messages.end(),
+                       [&](const std::string& message) { return message.find(text) != std::string::npos; });
+}
+
+}  // namespace lyn::test
