@@ -166,9 +166,10 @@ typedef void (*lyn_request_initiating_result_cb)(lyn_request_initiating_result_e
 lyn_error_e lyn_create_service(void **service, const char *service_name, lyn_state_changed_cb cb, void *user_data);
 
 /**
- * Destroys a service. Nothing is delivered for it afterwards. A running scan of the platform is not
- * stopped: call lyn_stop_scan() first. A call in progress on another thread ends normally and the
- * service lives until then.
+ * Destroys a service. Nothing is delivered for it afterwards, but for a callback that the main loop has
+ * begun when another thread destroys: it runs to its end. A running scan of the platform is not stopped:
+ * call lyn_stop_scan() first. A call in progress on another thread ends normally and the service lives
+ * until then.
  *
  * @return LYN_ERROR_INVALID_HANDLE when service is null or not the living one.
  */
@@ -203,7 +204,9 @@ lyn_error_e lyn_stop_scan(lyn_service_h service);
  * answer, after a failed connection (up to six attempts), or 10 s after the connection without an answer.
  *
  * @param device_id `address` of a found phone.
- * @param cb called once when this function has returned LYN_ERROR_NONE, never otherwise.
+ * @param cb called once when this function has returned LYN_ERROR_NONE. A call that is refused with
+ *           LYN_ERROR_INVALID_STATE replaces the callback of the running request all the same. A "nodlink"
+ *           request that Bluetooth or power takes to LYN_STATE_NOT_READY has no result.
  * @return LYN_ERROR_INVALID_PARAMETER for a null device_id or a stale handle, LYN_ERROR_INVALID_HANDLE
  *         for null, LYN_ERROR_INVALID_STATE during a request, LYN_ERROR_OPERATION_FAILED when the
  *         platform refuses to connect.

@@ -11,11 +11,12 @@ namespace {
 std::atomic<int> g_callbacks = 0;
 thread_local bool t_inCall = false;
 
-unsigned LimitMs()
+/// A positive number of the environment, or what it is by default.
+unsigned Number(const char* name, unsigned otherwise)
 {
-    const auto seconds = Environment("LYN_CONTRACT_LIMIT_SECONDS");
-    const int limit = seconds ? std::atoi(seconds->c_str()) : 60;
-    return static_cast<unsigned>(limit > 0 ? limit : 60) * 1000;
+    const auto text = Environment(name);
+    const int number = text ? std::atoi(text->c_str()) : 0;
+    return number > 0 ? static_cast<unsigned>(number) : otherwise;
 }
 
 }  // namespace
@@ -30,7 +31,7 @@ bool RunUntil(const std::function<bool()>& done)
 {
     const auto wake = [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; };
     const guint alarm = g_timeout_add(20, wake, nullptr);
-    const gint64 limit = g_get_monotonic_time() + gint64{LimitMs()} * 1000;
+    const gint64 limit = g_get_monotonic_time() + gint64{Number("LYN_CONTRACT_LIMIT_SECONDS", 60)} * 1000000;
     bool reached = done();
     while (!reached && g_get_monotonic_time() < limit) {
         g_main_context_iteration(nullptr, TRUE);
@@ -40,14 +41,14 @@ bool RunUntil(const std::function<bool()>& done)
     return reached;
 }
 
-void RunFor(unsigned ms)
+void RunQuietly()
 {
     bool over = false;
     const auto end = [](gpointer data) -> gboolean {
         *static_cast<bool*>(data) = true;
         return G_SOURCE_REMOVE;
     };
-    g_timeout_add(ms, end, &over);
+    g_timeout_add(Number("LYN_CONTRACT_QUIET_MS", 1000), end, &over);
     while (!over) {
         g_main_context_iteration(nullptr, TRUE);
     }

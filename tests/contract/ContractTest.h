@@ -10,6 +10,7 @@
 //                                notifies a text of at least one byte after each write
 //   LYN_CONTRACT_ABSENT_PHONE    address that no device within reach has
 //   LYN_CONTRACT_LIMIT_SECONDS   how long to wait for what has to come, 60 by default
+//   LYN_CONTRACT_QUIET_MS        how long to look for what must not come, 1000 by default
 //
 // The test must be the only user of the platform's Bluetooth while it runs.
 #pragma once
@@ -34,8 +35,8 @@ std::optional<std::string> Environment(const char* name);
 
 /// Runs the default main context until `done` is true. False when the limit of the environment passes first.
 bool RunUntil(const std::function<bool()>& done);
-/// Runs the default main context for this long: time in which something must not happen.
-void RunFor(unsigned ms);
+/// Runs the default main context for as long as the environment says: time in which something must not happen.
+void RunQuietly();
 
 /// Makes one platform call, from inside of which no callback may run.
 int Call(const std::function<int()>& call);

@@ -66,7 +66,7 @@ TEST_F(BluetoothTest, RegistrationsAreOneSlotThatMayBeSetAndUnsetAtAnyTime)
     EXPECT_EQ(device_power_subscribe_ambient_poweroff(onPower, nullptr), 0);
     EXPECT_EQ(device_power_unsubscribe_ambient_poweroff(), 0);
     EXPECT_EQ(device_power_unsubscribe_poweroff_event(), 0);
-    RunFor(50);
+    RunQuietly();
 }
 
 TEST(Calls, SettingsKeepIntegers)

@@ -7,7 +7,6 @@
 namespace lyn::contract {
 namespace {
 
-constexpr unsigned kQuietMs = 1000;
 constexpr unsigned kLeastMtu = 23;
 
 /// A test with a client of the phone, its characteristic looked up.
@@ -147,7 +146,7 @@ TEST_F(ExchangeTest, TheMtuIsNotReportedAfterItsUnset)
     ASSERT_EQ(bt_gatt_client_set_att_mtu_changed_cb(m_client, &ExchangeTest::OnMtu, this), 0);
     ASSERT_EQ(bt_gatt_client_request_att_mtu_change(m_client, 256), 0);
     ASSERT_EQ(Call([&] { return bt_gatt_client_unset_att_mtu_changed_cb(m_client); }), 0);
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_TRUE(m_mtus.empty());
 }
 
@@ -156,7 +155,7 @@ TEST_F(ExchangeTest, ValuesDoNotComeAfterTheirUnset)
     ASSERT_EQ(Listen(), 0);
     Write("contract test");
     ASSERT_EQ(Call([&] { return bt_gatt_client_unset_characteristic_value_changed_cb(m_characteristic); }), 0);
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_TRUE(m_values.empty());
 }
 
@@ -165,7 +164,7 @@ TEST_F(ExchangeTest, NothingComesAfterTheClientsDestruction)
     ASSERT_EQ(Listen(), 0);
     Write("contract test");
     Destroy();
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_TRUE(m_values.empty());
     EXPECT_TRUE(m_completions.empty());
 }

@@ -4,13 +4,11 @@
 namespace lyn::contract {
 namespace {
 
-constexpr unsigned kQuietMs = 1000;
-
 TEST_F(PhoneTest, AConnectHasExactlyOneReport)
 {
     Register();
     Connect();
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_EQ(m_reports.size(), 1U);
     EXPECT_EQ(m_reports[0].address, m_phone);
 }
@@ -22,7 +20,7 @@ TEST_F(PhoneTest, ADisconnectHasExactlyOneReportAndIsNotWaitedFor)
     ASSERT_EQ(Call([&] { return bt_gatt_disconnect(m_phone.c_str()); }), 0);
     ASSERT_EQ(m_reports.size(), 1U);
     ASSERT_TRUE(RunUntil([&] { return m_reports.size() == 2; }));
-    RunFor(kQuietMs);
+    RunQuietly();
     ASSERT_EQ(m_reports.size(), 2U);
     EXPECT_EQ(m_reports[1].result, 0);
     EXPECT_FALSE(m_reports[1].connected);
@@ -47,7 +45,7 @@ TEST_F(BluetoothTest, AConnectToAnAbsentPhoneFailsOnceInBoundedTime)
     ASSERT_EQ(bt_gatt_set_connection_state_changed_cb(keep, &reports), 0);
     ASSERT_EQ(Call([&] { return bt_gatt_connect(absent->c_str(), false); }), 0);
     ASSERT_TRUE(RunUntil([&] { return !reports.empty(); }));
-    RunFor(kQuietMs);
+    RunQuietly();
     bt_gatt_unset_connection_state_changed_cb();
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_NE(reports[0].result, 0);
@@ -61,7 +59,7 @@ TEST_F(PhoneTest, AReportWhoseRegistrationHasEndedIsDropped)
     ASSERT_EQ(bt_gatt_unset_connection_state_changed_cb(), 0);
     // The link comes up all the same: it can be taken down then.
     EXPECT_TRUE(RunUntil([&] { return bt_gatt_disconnect(m_phone.c_str()) == 0; }));
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_TRUE(m_reports.empty());
 }
 
@@ -75,7 +73,7 @@ TEST_F(PhoneTest, AReportWhoseRegistrationWasReplacedIsDropped)
     ASSERT_EQ(bt_gatt_connect(m_phone.c_str(), false), 0);
     Register();
     EXPECT_TRUE(RunUntil([&] { return bt_gatt_disconnect(m_phone.c_str()) == 0; }));
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_EQ(old, 0);
     EXPECT_TRUE(m_reports.empty());
 }
@@ -114,7 +112,7 @@ TEST_F(PhoneTest, ALinkThatWasLeftUpMayBeTakenOver)
     Connect();
     Register();
     Connect();
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_EQ(m_reports.size(), 1U);
 }
 

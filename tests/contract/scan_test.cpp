@@ -11,8 +11,6 @@
 namespace lyn::contract {
 namespace {
 
-constexpr unsigned kQuietMs = 500;
-
 /// Reads manufacturer data of one packet and checks what every reader may rely on.
 void CheckManufacturerData(const bt_adapter_le_device_scan_result_info_s& info, bt_adapter_le_packet_type_e type)
 {
@@ -96,10 +94,10 @@ TEST_F(ScanTest, ModesAreAcceptedBeforeAScan)
 TEST_F(ScanTest, NothingComesAfterTheStop)
 {
     ASSERT_EQ(Start(), 0);
-    RunFor(kQuietMs);
+    RunQuietly();
     ASSERT_EQ(bt_adapter_le_stop_scan(), 0);
     const int before = m_results;
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_EQ(m_results, before);
 }
 
@@ -108,7 +106,7 @@ TEST_F(ScanTest, NothingComesAfterAStopOnAnotherThread)
     ASSERT_EQ(Start(), 0);
     std::thread([] { bt_adapter_le_stop_scan(); }).join();
     const int before = m_results;
-    RunFor(kQuietMs);
+    RunQuietly();
     EXPECT_EQ(m_results, before);
 }
 

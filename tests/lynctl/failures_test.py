@@ -64,12 +64,12 @@ class BadScenarios(unittest.TestCase):
     def test_a_mistake_is_named_with_file_line_and_field(self):
         name = scenario("bad")
         self.assertEqual(lynctl("scan", "mirroring", "--scenario", name),
-                         (2, "", f"lynctl: {name}:6: phones[0].rssi: must be an integer\n"))
+                         (2, "", f"{name}:6: phones[0].rssi: must be an integer\n"))
 
     def test_a_file_that_is_not_there(self):
         status, out, err = lynctl("scan", "mirroring", "--scenario", "/nowhere/room.json")
         self.assertEqual((status, out, err.count("\n")), (2, "", 1))
-        self.assertTrue(err.startswith("lynctl: /nowhere/room.json: "), err)
+        self.assertTrue(err.startswith("/nowhere/room.json: "), err)
 
 
 class Libraries(unittest.TestCase):
@@ -110,6 +110,13 @@ class Libraries(unittest.TestCase):
         status, _, err = lynctl("request", "dummy", PHONE, program=moved)
         self.assertEqual(status, 1)
         self.assertTrue(err.startswith("lynctl: cannot load " + self.folder), err)
+
+    def test_another_platform_takes_the_place_of_the_librarys_own(self):
+        self.provide("liblyn_service.so.0")
+        self.provide("lyn/acme/liblyn_platform.so.0", os.path.join(BUILT, "lyn/simulator/liblyn_platform.so.0"))
+        status, out, err = lynctl("request", "dummy", PHONE, "--lib-dir", self.folder, "--platform", "acme")
+        self.assertEqual((status, err), (0, ""))
+        self.assertIn("platform acme\n", out)
 
     def test_a_platform_that_is_not_there(self):
         self.provide("liblyn_service.so.0")

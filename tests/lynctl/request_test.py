@@ -65,6 +65,12 @@ class Air(unittest.TestCase):
         self.assertIn("TV → phone   " + written + "\n", out)
         self.assertIn("phone → TV   Success\n", out)
 
+    def test_a_link_that_goes_down_behind_the_result_is_awaited_but_not_for_long(self):
+        for address, seen in (("AA:BB:CC:DD:EE:71", 1), ("AA:BB:CC:DD:EE:72", 0)):
+            status, objects = lynctl_json("request", "mirroring", address, "--scenario", scenario("farewell"))
+            self.assertEqual((status, objects[-1]["result"]), (0, "Success"))
+            self.assertEqual(len(of_kind(objects, "disconnected")), seen)
+
     def test_extra_data_is_in_the_message(self):
         _, objects = lynctl_json("request", "mirroring", "AA:BB:CC:DD:EE:00", "--scenario", scenario("results"),
                                  "--extra", '{"appid": "music", "displayName": "Mine"}')

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scanner/Advertisements.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -28,13 +29,15 @@ int SizeOf(const std::optional<Bytes>& packet)
 
 Bytes BytesOf(const std::string& text)
 {
-    return {text.begin(), text.end()};
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    return {bytes, bytes + text.size()};
 }
 
 Bytes Marked(std::uint8_t marker, const std::string& rest)
 {
     Bytes data{0x42, marker};
-    data.insert(data.end(), rest.begin(), rest.end());
+    const Bytes behind = BytesOf(rest);
+    data.insert(data.end(), behind.begin(), behind.end());
     return data;
 }
 
@@ -59,6 +62,11 @@ Bytes NodLinkData()
     data[6] = 0x01;
     data[13] = 0x01;
     return data;
+}
+
+ExactBytes::ExactBytes(const Bytes& bytes) : m_bytes(new char[bytes.size()]), m_size(bytes.size())
+{
+    std::copy_n(reinterpret_cast<const char*>(bytes.data()), m_size, m_bytes.get());
 }
 
 ScanResult::ScanResult(const std::optional<Bytes>& advertising, const std::optional<Bytes>& scanResponse)

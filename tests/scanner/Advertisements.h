@@ -3,7 +3,6 @@
 // Packets and scan results for the tests of the scanners.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -36,10 +35,7 @@ Bytes NodLinkData();
 /// Bytes on the heap, so that a reader who goes one byte too far is caught.
 class ExactBytes {
 public:
-    explicit ExactBytes(const Bytes& bytes) : m_bytes(new char[bytes.size()]), m_size(bytes.size())
-    {
-        std::copy(bytes.begin(), bytes.end(), m_bytes.get());
-    }
+    explicit ExactBytes(const Bytes& bytes);
 
     const char* Data() const { return m_bytes.get(); }
     unsigned int Size() const { return static_cast<unsigned int>(m_size); }

@@ -5,9 +5,9 @@
 // counts exceptions, allocations and lines itself, and its platform hands out data in exact buffers.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -132,7 +132,7 @@ int bt_adapter_le_get_scan_result_manufacturer_data(const bt_adapter_le_device_s
     if (g_found.data != nullptr) {
         *length = static_cast<int>(g_found.data->size());
         *data = static_cast<char*>(std::malloc(g_found.data->size()));
-        std::copy(g_found.data->begin(), g_found.data->end(), *data);
+        std::copy_n(reinterpret_cast<const char*>(g_found.data->data()), *length, *data);
     }
     return 0;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <typeinfo>
 
+#include "Common/LynException.h"
 #include "Service/CDummyService.h"
 #include "Service/CKovService.h"
 #include "Service/CNodLinkService.h"
@@ -46,8 +47,16 @@ protected:
         EXPECT_EQ(service->GetServiceName(), entry.name);
         EXPECT_EQ(CountCalls("bt_product_init"), 1);
         EXPECT_TRUE(m_states.empty());
+        EXPECT_TRUE(Messages(ERROR).empty());
         service->StopScan();
         EXPECT_EQ(m_states, std::vector({LYN_STATE_READY}));
+    }
+
+    void Forget()
+    {
+        simulator::ClearJournal();
+        simulator::ClearLog();
+        m_states.clear();
     }
 
     static void Release(IService* service)
@@ -64,21 +73,18 @@ TEST_F(ServiceBuilder, BuildsEachServiceByItsName)
 {
     for (const Entry& entry : kEntries) {
         SCOPED_TRACE(entry.name);
-        simulator::ClearJournal();
-        m_states.clear();
+        Forget();
         IService* const service = m_builder.BuildService(entry.name, KeepStates());
         ExpectService(entry, service);
         Release(service);
     }
-    EXPECT_TRUE(Messages(ERROR).empty());
 }
 
 TEST_F(ServiceBuilder, BuildsEachServiceByItsOwnOperation)
 {
     for (const Entry& entry : kEntries) {
         SCOPED_TRACE(entry.name);
-        simulator::ClearJournal();
-        m_states.clear();
+        Forget();
         IService* const service = (m_builder.*entry.build)(KeepStates());
         ExpectService(entry, service);
         Release(service);
@@ -90,8 +96,7 @@ TEST_F(ServiceBuilder, FindsTheBuilderOfEachName)
     m_builder.InitServiceBuilderMap();
     for (const Entry& entry : kEntries) {
         SCOPED_TRACE(entry.name);
-        simulator::ClearJournal();
-        m_states.clear();
+        Forget();
         const CServiceBuilder::ServiceBuilderFunc build = m_builder.GetServiceBuilder(entry.name);
         ASSERT_TRUE(build);
         EXPECT_EQ(CountCalls("bt_product_init"), 0);

@@ -122,7 +122,7 @@ TEST_P(NodLinkOnADisabledDevice, MayBeTriedManyTimes)
 }
 
 INSTANTIATE_TEST_SUITE_P(For, NodLinkOnADisabledDevice, ::testing::ValuesIn(kReasons),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 using UnknownService = AppTest;
 

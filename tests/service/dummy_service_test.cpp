@@ -60,6 +60,8 @@ TEST_F(DummyService, ReportsReadyOnceWhenNoScanIsStopped)
 {
     EXPECT_EQ(app.StopScan(), LYN_ERROR_NONE);
     EXPECT_EQ(app.states, States({LYN_STATE_READY}));
+    EXPECT_TRUE(HasLog(ERROR, "Invalid State")) << "the scanner's report of the stop is refused and swallowed";
+    EXPECT_FALSE(HasLogWith(ERROR, "exception: "));
 }
 
 TEST_F(DummyService, ReportsReadyReadyRequestingForARequestWhileScanning)

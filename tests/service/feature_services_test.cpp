@@ -153,7 +153,7 @@ TEST_P(FeatureService, PrintsTheLegendInTheMachinesTwoLinesOnly)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, FeatureService, ::testing::Values("mirroring", "nodlink", "kov"),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& test) { return test.param; });
 
 using NodLinkService = AppTest;
 

@@ -50,7 +50,7 @@ const Operation kOperations[] = {
 
 using Case = std::tuple<std::string, Operation>;
 
-class OperationInEachState : public AppTest, public ::testing::WithParamInterface<Case> {
+class EachOperation : public AppTest, public ::testing::WithParamInterface<Case> {
 protected:
     static const std::string& Service() { return std::get<0>(GetParam()); }
     static const Operation& TheOperation() { return std::get<1>(GetParam()); }
@@ -82,40 +82,38 @@ protected:
         }
         EXPECT_EQ(TheOperation().call(app), outcome.error);
         EXPECT_EQ(app.states, outcome.states);
-        const bool refused = outcome.error != LYN_ERROR_NONE;
-        EXPECT_EQ(HasLog(ERROR, "Invalid State"), refused);
-        EXPECT_EQ(CountLog(ERROR, "exception: Invalid State"), refused ? 1 : 0);
+        EXPECT_EQ(CountLog(ERROR, "exception: Invalid State"), outcome.error != LYN_ERROR_NONE ? 1 : 0);
         EXPECT_TRUE(app.results.empty());
     }
 };
 
-TEST_P(OperationInEachState, IsReady)
+TEST_P(EachOperation, IsAcceptedOrRefusedWhileReady)
 {
     ExpectOutcomeIn(LYN_STATE_READY);
 }
 
-TEST_P(OperationInEachState, IsScanning)
+TEST_P(EachOperation, IsAcceptedOrRefusedWhileScanning)
 {
     ExpectOutcomeIn(LYN_STATE_SCANNING);
 }
 
-TEST_P(OperationInEachState, IsRequesting)
+TEST_P(EachOperation, IsAcceptedOrRefusedWhileRequesting)
 {
     ExpectOutcomeIn(LYN_STATE_REQUESTING);
 }
 
-TEST_P(OperationInEachState, IsNotReady)
+TEST_P(EachOperation, IsAcceptedOrRefusedWhileNotReady)
 {
     if (Service() == "nodlink") {  // The others never are.
         ExpectOutcomeIn(LYN_STATE_NOT_READY);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, OperationInEachState,
+INSTANTIATE_TEST_SUITE_P(Of, EachOperation,
                          ::testing::Combine(::testing::Values("dummy", "mirroring", "nodlink", "kov"),
                                             ::testing::ValuesIn(kOperations)),
-                         [](const auto& info) {
-                             return std::get<0>(info.param) + std::get<1>(info.param).name;
+                         [](const auto& test) {
+                             return std::get<0>(test.param) + std::get<1>(test.param).name;
                          });
 
 }  // namespace

@@ -179,7 +179,7 @@ TEST_P(RequestPreparation, LogsTheRequestWithTheTime)
 
 INSTANTIATE_TEST_SUITE_P(Of, RequestPreparation,
                          ::testing::Values(Advertiser{"mirroring", kMirroringTrigger}, Advertiser{"kov", kKovTrigger}),
-                         [](const auto& info) { return std::string(info.param.service); });
+                         [](const auto& test) { return std::string(test.param.service); });
 
 using NodLinkRequestPreparation = AppTest;
 

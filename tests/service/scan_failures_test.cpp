@@ -59,7 +59,7 @@ TEST_P(FailingScan, DuringARequestReportsNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, FailingScan, ::testing::Values("mirroring", "nodlink", "kov"),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& test) { return test.param; });
 
 struct Advertiser {
     const char* service;
@@ -131,7 +131,7 @@ TEST_P(AdvertisementOf, GoesOnDuringAScan)
 
 INSTANTIATE_TEST_SUITE_P(Each, AdvertisementOf,
                          ::testing::Values(Advertiser{"mirroring", kMirroringTrigger}, Advertiser{"kov", kKovTrigger}),
-                         [](const auto& info) { return std::string(info.param.service); });
+                         [](const auto& test) { return std::string(test.param.service); });
 
 using NodLinkAdvertisement = AppTest;
 

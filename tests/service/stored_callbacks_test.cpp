@@ -122,7 +122,7 @@ TEST_P(StoredCallback, IsReplacedByTheNextScan)
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, StoredCallback, ::testing::Values("mirroring", "nodlink", "kov"),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& test) { return test.param; });
 
 }  // namespace
 }  // namespace lyn::test

@@ -142,7 +142,7 @@ TEST_P(ServiceVariants, WatchTheDeviceOnlyWhereTheyAreNodLink)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ServiceVariants, ::testing::ValuesIn(kVariants),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace
 }  // namespace lyn::test

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +11,7 @@
 #include "failure.h"
 #include "help.h"
 #include "library.h"
+#include "lyn_simulator/air.h"
 #include "terminal.h"
 #include "text.h"
 
@@ -37,20 +37,20 @@ void PrepareEnvironment(const Arguments& arguments)
     }
 }
 
-void CheckScenario(const Library& library)
+/// False when the simulator could not use its scenario; it has told why in one line on standard error.
+bool ScenarioIsUsable(const Library& library)
 {
-    const auto check = library.PlatformFunction<int (*)(char*, std::size_t)>("lyn_simulator_check");
-    std::array<char, 1024> error{};
-    if (check && check(error.data(), error.size()) != 0) {
-        throw Failure(kExitUsage, error.data());
-    }
+    const auto check = library.PlatformFunction<decltype(&lyn_simulator_check)>("lyn_simulator_check");
+    return !check || check(nullptr, 0) == 0;
 }
 
 int RunCommand(const Arguments& arguments)
 {
     PrepareEnvironment(arguments);
     const Library library(arguments.libraryFolder, arguments.platform);
-    CheckScenario(library);
+    if (!ScenarioIsUsable(library)) {
+        return kExitUsage;
+    }
     switch (arguments.command) {
     case Command::scan:
         return Scan(arguments, library);

@@ -9,10 +9,10 @@ namespace lyn::simulator {
 
 namespace {
 
-template <typename List>
-auto FindUuid(const List& list, const std::string& uuid)
+bool Offers(const Phone& phone, const std::string& serviceUuid)
 {
-    return std::find_if(list.begin(), list.end(), [&](const auto& entry) { return entry.uuid == uuid; });
+    return std::any_of(phone.services.begin(), phone.services.end(),
+                       [&](const Service& service) { return service.uuid == serviceUuid; });
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ int Clients::LookUpService(bt_gatt_client_h client, const std::string& uuid, bt_
         return kNotConnected;
     }
     const RoomPhone* phone = m_simulator.room.Present(owner->address);
-    if (phone == nullptr || FindUuid(phone->phone.services, uuid) == phone->phone.services.end()) {
+    if (phone == nullptr || !Offers(phone->phone, uuid)) {
         return kNotFound;
     }
     *handle = FindHandle(client, nullptr, uuid);
@@ -119,15 +119,7 @@ const Characteristic* Clients::Offered(const Attribute& attribute)
 {
     const Client* client = Find(attribute.client);
     const RoomPhone* phone = client != nullptr ? m_simulator.room.Present(client->address) : nullptr;
-    if (phone == nullptr) {
-        return nullptr;
-    }
-    const auto service = FindUuid(phone->phone.services, attribute.serviceUuid);
-    if (service == phone->phone.services.end()) {
-        return nullptr;
-    }
-    const auto characteristic = FindUuid(service->characteristics, attribute.uuid);
-    return characteristic != service->characteristics.end() ? &*characteristic : nullptr;
+    return phone != nullptr ? FindOffered(phone->phone, attribute.serviceUuid, attribute.uuid) : nullptr;
 }
 
 std::vector<bt_gatt_h> Clients::Listeners(std::uint64_t link, const std::string& serviceUuid,

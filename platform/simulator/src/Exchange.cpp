@@ -98,27 +98,19 @@ void Exchange::Arrive(const Target& target, const std::string& message, bt_gatt_
 
 Answer Exchange::NextAnswer(const Target& target)
 {
-    const Answer silent{.kind = Answer::Kind::silent, .text = {}};
     RoomPhone* phone = m_simulator.room.Present(target.address);
-    if (phone == nullptr) {
+    const Characteristic* offered =
+        phone != nullptr ? FindOffered(phone->phone, target.serviceUuid, target.uuid) : nullptr;
+    if (offered == nullptr || offered->answers.empty()) {
+        Answer silent;
+        silent.kind = Answer::Kind::silent;
         return silent;
     }
-    for (const Service& service : phone->phone.services) {
-        for (const Characteristic& characteristic : service.characteristics) {
-            if (service.uuid != target.serviceUuid || characteristic.uuid != target.uuid) {
-                continue;
-            }
-            if (characteristic.answers.empty()) {
-                return silent;
-            }
-            AnswersUsed& used = phone->answersUsed[service.uuid + characteristic.uuid];
-            if (characteristic.answersPerLink && used.link != target.link) {
-                used = {target.link, 0};
-            }
-            return characteristic.answers[std::min(used.count++, characteristic.answers.size() - 1)];
-        }
+    AnswersUsed& used = phone->answersUsed[target.serviceUuid + target.uuid];
+    if (offered->answersPerLink && used.link != target.link) {
+        used = {target.link, 0};
     }
-    return silent;
+    return offered->answers[std::min(used.count++, offered->answers.size() - 1)];
 }
 
 void Exchange::Act(const Target& target, const Answer& answer, bt_gatt_h characteristic,

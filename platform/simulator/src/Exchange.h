@@ -16,8 +16,8 @@ class Exchange {
 public:
     explicit Exchange(Simulator& simulator);
 
-    int RequestMtu(bt_gatt_client_h client, unsigned mtu);
-    int Write(bt_gatt_h characteristic, bt_gatt_client_request_completed_cb callback, void* userData);
+    int RequestMtu(bt_gatt_client_h handle, unsigned mtu);
+    int Write(bt_gatt_h handle, bt_gatt_client_request_completed_cb callback, void* userData);
 
 private:
     struct Target {
@@ -35,7 +35,7 @@ private:
     void PostDrop(const Target& target, const Answer& answer);
 
     // Steps on the main loop, without the lock.
-    void EndMtuRequest(bt_gatt_client_h client, unsigned mtu);
+    void EndMtuRequest(bt_gatt_client_h handle, unsigned mtu);
     void Arrive(const Target& target, const std::string& message, bt_gatt_h characteristic,
                 const Completion& completion);
     void Complete(bt_gatt_h characteristic, const Completion& completion, int result);

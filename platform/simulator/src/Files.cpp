@@ -33,7 +33,7 @@ void Files::SetPrefix(const std::string& folder)
 const std::string& Files::Prefix()
 {
     if (!m_hasPrefix) {
-        MakeFolder();
+        MakePrefix();
     }
     return m_prefix;
 }
@@ -52,15 +52,16 @@ void Files::Remove()
 {
     // A child that was forked off leaves its parent's files alone.
     if (m_own && m_process == ::getpid()) {
-        for (auto made = m_made.rbegin(); made != m_made.rend(); ++made) {
-            std::remove(made->c_str());
+        while (!m_made.empty()) {
+            std::remove(m_made.back().c_str());
+            m_made.pop_back();
         }
     }
     m_made.clear();
     m_own = false;
 }
 
-void Files::MakeFolder()
+void Files::MakePrefix()
 {
     const char* place = std::getenv("TMPDIR");
     std::string folder = std::string(place != nullptr && *place == '/' ? place : "/tmp") + "/lyn-simulator-XXXXXX";
@@ -81,7 +82,7 @@ void Files::MakeFolder()
 void Files::WriteBelowPrefix(const std::string& path, const std::string& content)
 {
     const std::string place = m_prefix + path;
-    MakeParents(place);
+    MakeFolders(fs::path(place).parent_path().string());
     std::ofstream file(place, std::ios::binary | std::ios::trunc);
     if (file && std::find(m_made.begin(), m_made.end(), place) == m_made.end()) {
         m_made.push_back(place);
@@ -93,16 +94,14 @@ void Files::WriteBelowPrefix(const std::string& path, const std::string& content
     }
 }
 
-void Files::MakeParents(const std::string& path)
+void Files::MakeFolders(const std::string& path)
 {
-    std::vector<std::string> missing;
-    for (fs::path parent = fs::path(path).parent_path(); !fs::exists(parent); parent = parent.parent_path()) {
-        missing.push_back(parent.string());
+    if (path.empty() || fs::exists(path)) {
+        return;
     }
-    for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
-        fs::create_directory(*folder);
-        m_made.push_back(*folder);
-    }
+    MakeFolders(fs::path(path).parent_path().string());
+    fs::create_directory(path);
+    m_made.push_back(path);
 }
 
 void CheckTvPath(const std::string& path)

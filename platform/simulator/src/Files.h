@@ -21,9 +21,9 @@ public:
     void Remove();
 
 private:
-    void MakeFolder();
+    void MakePrefix();
     void WriteBelowPrefix(const std::string& path, const std::string& content);
-    void MakeParents(const std::string& path);
+    void MakeFolders(const std::string& path);
 
     std::string m_prefix;
     bool m_hasPrefix = false;

@@ -247,7 +247,7 @@ std::string JsonField::Address() const
 
 std::string JsonField::Uuid() const
 {
-    const std::string uuid = Text();
+    std::string uuid = Text();
     bool good = uuid.size() == 36;
     for (std::size_t i = 0; good && i < uuid.size(); ++i) {
         const bool dash = i == 8 || i == 13 || i == 18 || i == 23;

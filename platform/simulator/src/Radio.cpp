@@ -42,7 +42,7 @@ int JitteredRssi(RoomPhone& phone)
     if (spread == 0) {
         return phone.phone.rssi;
     }
-    return phone.phone.rssi + std::uniform_int_distribution<int>(-spread, spread)(phone.jitter);
+    return phone.phone.rssi - spread + std::uniform_int_distribution<int>(0, 2 * spread)(phone.jitter);
 }
 
 Radio::Advertisement Compose(RoomPhone& heard)

@@ -56,6 +56,18 @@ Phone Checked(Phone phone)
 
 }  // namespace
 
+const Characteristic* FindOffered(const Phone& phone, const std::string& serviceUuid, const std::string& uuid)
+{
+    for (const Service& service : phone.services) {
+        for (const Characteristic& characteristic : service.characteristics) {
+            if (service.uuid == serviceUuid && characteristic.uuid == uuid) {
+                return &characteristic;
+            }
+        }
+    }
+    return nullptr;
+}
+
 std::optional<std::string> CanonicalAddress(const std::string& text)
 {
     constexpr std::size_t kLength = 17;
