@@ -24,7 +24,18 @@ struct TraceLine {
     std::string operation;  // declaration and line
 };
 
-// The trace so far. Compilers differ in the blank before an asterisk or an ampersand: it is left out.
+// Compilers differ in the blanks around an asterisk or an ampersand: they are left out.
+std::string WithoutBlanks(std::string operation)
+{
+    for (const std::string sign : {" *", " &", "* ", "& "}) {
+        for (std::size_t at = operation.find(sign); at != std::string::npos; at = operation.find(sign)) {
+            operation.erase(operation[at] == ' ' ? at : at + 1, 1);
+        }
+    }
+    return operation;
+}
+
+// The trace so far.
 std::vector<TraceLine> TraceLines()
 {
     std::vector<TraceLine> trace;
@@ -36,13 +47,7 @@ std::vector<TraceLine> TraceLines()
         EXPECT_EQ(line.priority, DEBUG);
         EXPECT_EQ(line.file, "lyn_service_log.h");
         EXPECT_EQ(line.function, in ? "ApiTracker" : "~ApiTracker");
-        std::string operation = line.message.substr(line.message.find('['));
-        for (const std::string sign : {" *", " &"}) {
-            for (std::size_t at = operation.find(sign); at != std::string::npos; at = operation.find(sign)) {
-                operation.erase(at, 1);
-            }
-        }
-        trace.push_back({in, operation});
+        trace.push_back({in, WithoutBlanks(line.message.substr(line.message.find('[')))});
     }
     return trace;
 }
@@ -119,7 +124,7 @@ protected:
     // Fails the test unless the trace is that of one exported function, and of what it does inside.
     static void ExpectOneFunction(const std::vector<TraceLine>& trace, std::string declaration)
     {
-        declaration = "[" + declaration + "(";
+        declaration = "[" + WithoutBlanks(declaration) + "(";
         ASSERT_GE(trace.size(), 2U);
         EXPECT_TRUE(trace.front().in);
         EXPECT_EQ(trace.front().operation.rfind(declaration, 0), 0U) << trace.front().operation;

@@ -127,7 +127,7 @@ void Radio::Tick(std::uint64_t tick)
     }
 }
 
-std::vector<std::shared_ptr<RoomPhone>> Radio::TakeDue()
+std::vector<std::shared_ptr<RoomPhone>> Radio::TakeDue() const
 {
     const gint64 now = Loop::Now();
     std::vector<std::shared_ptr<RoomPhone>> due;

@@ -40,7 +40,7 @@ public:
 
 private:
     void Tick(std::uint64_t tick);
-    std::vector<std::shared_ptr<RoomPhone>> TakeDue();
+    std::vector<std::shared_ptr<RoomPhone>> TakeDue() const;
 
     Simulator& m_simulator;
     std::uint64_t m_tick = 0;  ///< the one tick that is to come; earlier ones are void
