@@ -28,19 +28,23 @@ constexpr const char* BaseName(const char* path)
 }
 
 /// What is printed for a text that is absent.
-constexpr const char* Printable(const char* text) { return text != nullptr ? text : "(null)"; }
+constexpr const char* Printable(const char* text)
+{
+    return text != nullptr ? text : "(null)";
+}
 
 /// Writes "[LYN_SERVICE][function]" and the formatted message as one line to the kernel log. `tag` is
 /// accepted for the callers' sake; the line always carries the library's own.
-void KmsgPrint(const char* tag, const char* function, const char* format, ...) __attribute__((format(printf, 3, 4)));
+void KmsgPrint(const char* tag, const char* function, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
 
 }  // namespace lyn
 
 // "file: function(line) > " and the caller's format with at least one argument: a fixed text goes
 // through "%s".
-#define LYN_LOG(priority, format, ...)                                                                                \
-    platform_log_print(lyn::LOG_ID_MAIN, (priority), lyn::LOG_TAG, "%s: %s(%d) > " format, lyn::BaseName(__FILE__),   \
-                       __func__, __LINE__, __VA_ARGS__)
+#define LYN_LOG(priority, format, ...)                                                     \
+    platform_log_print(lyn::LOG_ID_MAIN, (priority), lyn::LOG_TAG, "%s: %s(%d) > " format, \
+                       lyn::BaseName(__FILE__), __func__, __LINE__, __VA_ARGS__)
 #define LYN_LOGD(format, ...) LYN_LOG(lyn::LOG_DEBUG, format, __VA_ARGS__)
 #define LYN_LOGI(format, ...) LYN_LOG(lyn::LOG_INFO, format, __VA_ARGS__)
 #define LYN_LOGW(format, ...) LYN_LOG(lyn::LOG_WARN, format, __VA_ARGS__)

@@ -29,8 +29,8 @@ lyn_error_e Forward(const Call& call, const char* function = __builtin_FUNCTION(
         call(CServiceManager::GetInstance());
         return LYN_ERROR_NONE;
     } catch (const LynException& e) {
-        platform_log_print(LOG_ID_MAIN, LOG_ERROR, LOG_TAG, "%s: %s(%d) > exception: %s", BaseName(__FILE__), function,
-                           line, e.what());
+        platform_log_print(LOG_ID_MAIN, LOG_ERROR, LOG_TAG, "%s: %s(%d) > exception: %s", BaseName(__FILE__),
+                           function, line, e.what());
         return e.GetCode();
     }
 }
@@ -144,8 +144,8 @@ lyn_error_e lyn_stop_scan(lyn_service_h service)
     return Forward([&](CServiceManager& manager) { manager.StopScan(service); });
 }
 
-lyn_error_e lyn_request_initiating(lyn_service_h service, const char* device_id, lyn_request_initiating_result_cb cb,
-                                   void* user_data)
+lyn_error_e lyn_request_initiating(lyn_service_h service, const char* device_id,
+                                   lyn_request_initiating_result_cb cb, void* user_data)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (device_id == nullptr) {
@@ -185,9 +185,7 @@ lyn_error_e lyn_request_initiating_with_extra_data(lyn_service_h service, const 
 lyn_error_e lyn_start_advertise(lyn_service_h service, lyn_adv_interval_e interval)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    return Forward([&](CServiceManager& manager) {
-        manager.StartAdvertisement(service, IntervalOf(interval));
-    });
+    return Forward([&](CServiceManager& manager) { manager.StartAdvertisement(service, IntervalOf(interval)); });
 }
 
 lyn_error_e lyn_stop_advertise(lyn_service_h service)
@@ -218,8 +216,8 @@ const char* lyn_get_request_initiating_error_string(lyn_service_h service, lyn_r
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     std::string text = "UnknownErr";
-    const lyn_error_e error = Forward(
-        [&](CServiceManager& manager) { text = manager.GetRequestIntiatingErrorString(service, result); });
+    const lyn_error_e error =
+        Forward([&](CServiceManager& manager) { text = manager.GetRequestIntiatingErrorString(service, result); });
     if (error == LYN_ERROR_NONE) {
         LYN_LOGI("errorString : %s", text.c_str());
     }

@@ -38,7 +38,8 @@ public:
 
 class LynExceptionInvalidHandle : public LynException {
 public:
-    explicit LynExceptionInvalidHandle(const std::string& message) : LynException(message, LYN_ERROR_INVALID_HANDLE)
+    explicit LynExceptionInvalidHandle(const std::string& message)
+        : LynException(message, LYN_ERROR_INVALID_HANDLE)
     {
     }
 };
@@ -46,7 +47,8 @@ public:
 class LynExceptionInvalidParam : public LynException {
 public:
     LynExceptionInvalidParam() : LynExceptionInvalidParam("Invalid Parameter exception") {}
-    explicit LynExceptionInvalidParam(const std::string& message) : LynException(message, LYN_ERROR_INVALID_PARAMETER)
+    explicit LynExceptionInvalidParam(const std::string& message)
+        : LynException(message, LYN_ERROR_INVALID_PARAMETER)
     {
     }
 };
@@ -59,7 +61,8 @@ public:
 
 class LynExceptionJsonParsing : public LynException {
 public:
-    explicit LynExceptionJsonParsing(const std::string& message) : LynException(message, LYN_ERROR_INVALID_PARAMETER)
+    explicit LynExceptionJsonParsing(const std::string& message)
+        : LynException(message, LYN_ERROR_INVALID_PARAMETER)
     {
     }
 };
@@ -80,12 +83,16 @@ public:
 
 class LynExceptionInvalidState : public LynException {
 public:
-    explicit LynExceptionInvalidState(const std::string& message) : LynException(message, LYN_ERROR_INVALID_STATE) {}
+    explicit LynExceptionInvalidState(const std::string& message) : LynException(message, LYN_ERROR_INVALID_STATE)
+    {
+    }
 };
 
 class LynExceptionNotSupported : public LynException {
 public:
-    explicit LynExceptionNotSupported(const std::string& message) : LynException(message, LYN_ERROR_NOT_SUPPORTED) {}
+    explicit LynExceptionNotSupported(const std::string& message) : LynException(message, LYN_ERROR_NOT_SUPPORTED)
+    {
+    }
 };
 
 }  // namespace lyn

@@ -11,7 +11,10 @@ namespace lyn {
 constexpr int PLATFORM_OK = 0;
 
 // Codes are 32-bit patterns, negative as int.
-constexpr int PlatformCode(std::uint32_t code) { return static_cast<int>(code); }
+constexpr int PlatformCode(std::uint32_t code)
+{
+    return static_cast<int>(code);
+}
 
 constexpr int BT_ERROR_REPORTED_AS_SUCCESS = PlatformCode(0xFE400103);
 constexpr int BT_ERROR_HCI_DISCONNECTION = PlatformCode(0xFE400104);

@@ -137,7 +137,8 @@ int CDeviceStateChecekr::PowerOffCb(const device_power_off_info_s* info, void* u
         LYN_LOGE("%s", "userData is nullptr");
         return 0;
     }
-    CallShared<CDeviceStateChecekr>(userData, [&](CDeviceStateChecekr& checker) { checker.OnPowerOffEvent(info); });
+    CallShared<CDeviceStateChecekr>(userData,
+                                    [&](CDeviceStateChecekr& checker) { checker.OnPowerOffEvent(info); });
     return 0;
 }
 

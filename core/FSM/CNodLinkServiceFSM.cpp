@@ -39,6 +39,7 @@ lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
 
 void CNodLinkServiceFSM::OnDeviceEnableStateChaned(bool enabled)
 {
+    const auto lock = LockEvents();
     TransitState(enabled ? LYN_STATE_READY : LYN_STATE_NOT_READY);
 }
 

@@ -90,8 +90,14 @@ lyn_state_e CServiceFSM::GetCurrentState() const
     return state;
 }
 
+std::unique_lock<std::recursive_mutex> CServiceFSM::LockEvents()
+{
+    return std::unique_lock(m_EventMutex);
+}
+
 void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
 {
+    const auto lock = LockEvents();
     const auto state = m_StateMap.find(GetCurrentState());
     if (state == m_StateMap.end()) {
         RefuseEvent();
@@ -115,13 +121,18 @@ void CServiceFSM::TransitState(lyn_state_e state)
     const std::lock_guard lock(m_Mutex);
     LYN_LOGW("transit to %d from %d %s", state, m_CurrentState.load(), STATE_LEGEND);
     m_CurrentState = state;
+    ++m_Transitions;
     m_StateChangedCb(state);
 }
 
 void CServiceFSM::HandleStartScanOnReady(const EventArgPtr& arg)
 {
     CheckArg(arg);
+    const unsigned int transitions = m_Transitions;
     RunAction(arg);
+    if (m_Transitions != transitions) {
+        return;  // A phone was reported inside the work, and the application has gone on from there.
+    }
     TransitState(LYN_STATE_SCANNING);
 }
 

@@ -51,6 +51,10 @@ protected:
     using EventHandler = void (CServiceFSM::*)(const EventArgPtr&);
     using EventMap = std::map<LynFsmEvent, EventHandler>;
 
+    /// Held during an event or a move from outside: they come one at a time, whichever threads they come
+    /// from, so that no work runs in a state that is left meanwhile. The same thread may nest events.
+    std::unique_lock<std::recursive_mutex> LockEvents();
+
     bool InitStateMap();
     bool DeinitStateMap();
 
@@ -58,6 +62,10 @@ protected:
     std::atomic<lyn_state_e> m_CurrentState{LYN_STATE_READY};
     std::map<lyn_state_e, EventMap> m_StateMap;
     std::mutex m_Mutex;
+
+private:
+    std::recursive_mutex m_EventMutex;
+    unsigned int m_Transitions = 0;
 };
 
 }  // namespace lyn

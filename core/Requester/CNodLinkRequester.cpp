@@ -25,7 +25,8 @@ enum MirroringMode : int { MULTI_VIEW = 0, FULL_VIEW = 1, SOUND = 2 };
 // One kernel-log line of what is passing; it must not stop the exchange.
 void PrintKmsg(const char* function, const char* what, const std::string& text)
 {
-    RunGuarded([&] { KmsgPrint(LOG_TAG, function, "[%s] %s :%s", LynUtil::GetCurTime().c_str(), what, text.c_str()); });
+    RunGuarded(
+        [&] { KmsgPrint(LOG_TAG, function, "[%s] %s :%s", LynUtil::GetCurTime().c_str(), what, text.c_str()); });
 }
 
 // A phone's answer as JSON, none when it is plain text.

@@ -100,10 +100,9 @@ void CRequester::OnGattConnected(int result, const std::string& /*address*/)
         return;
     }
     m_bRequestDone = false;
-    const bool requested =
-        m_GattClient->RequestSetMtu(WANTED_MTU, [this](void* client, const bt_gatt_client_att_mtu_info_s* mtuInfo) {
-            OnMtuChanged(client, mtuInfo);
-        });
+    const bool requested = m_GattClient->RequestSetMtu(
+        WANTED_MTU,
+        [this](void* client, const bt_gatt_client_att_mtu_info_s* mtuInfo) { OnMtuChanged(client, mtuInfo); });
     if (!requested) {
         LYN_LOGE("%s", "fail to request set mtu as 256.");
     }
@@ -124,7 +123,8 @@ void CRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_
 void CRequester::WriteControlData(const std::string& data)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    m_GattClient->WriteData(m_ServiceUuid, m_CharacteristicUuid, data, [this](int result) { OnWriteComplete(result); });
+    m_GattClient->WriteData(m_ServiceUuid, m_CharacteristicUuid, data,
+                            [this](int result) { OnWriteComplete(result); });
 }
 
 void CRequester::OnWriteComplete(int result)

@@ -11,10 +11,9 @@ namespace lyn {
 CKovScanner::CKovScanner() : CKovScanner(nullptr, nullptr) {}
 
 CKovScanner::CKovScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb)
-    : CPhoneScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb),
-                    {.marker = 23,
-                     .advTriggerKey = "memory/org.nuvex.bleapp/kov_trigger",
-                     .rejection = "Not kov device"})
+    : CPhoneScanner(
+          std::move(deviceFoundCb), std::move(scanStateChangedCb),
+          {.marker = 23, .advTriggerKey = "memory/org.nuvex.bleapp/kov_trigger", .rejection = "Not kov device"})
 {
 }
 

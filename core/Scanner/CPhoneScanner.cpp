@@ -27,7 +27,8 @@ std::string UniqueId(const char* data)
 
 CPhoneScanner::CPhoneScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb,
                              const Feature& feature)
-    : CScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb), feature.advTriggerKey), m_Feature(feature)
+    : CScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb), feature.advTriggerKey),
+      m_Feature(feature)
 {
 }
 
@@ -70,8 +71,8 @@ std::string CPhoneScanner::ReadName(const char* data, unsigned int length)
     const char* const begin = data + NAME_OFFSET;
     const char* const end = data + length;
     std::string name(begin, std::find(begin, end, '\0'));
-    LYN_LOGI("%s / %s / %u", LynUtil::ConvertByteStreamToString(data, static_cast<int>(length)).c_str(), name.c_str(),
-             length);
+    LYN_LOGI("%s / %s / %u", LynUtil::ConvertByteStreamToString(data, static_cast<int>(length)).c_str(),
+             name.c_str(), length);
     return name;
 }
 

@@ -60,8 +60,8 @@ void CScanner::NotifyDeviceFound(const std::string& name, const std::string& add
     info.unique_id = uniqueId.c_str();
     info.extra_data = extraData.c_str();
     info.rssi = rssi;
-    LYN_LOGI("name : %s, address : %s, unique_id : %s, rssi : %d, extra_data : %s", Printable(info.name), info.address,
-             info.unique_id, info.rssi, info.extra_data);
+    LYN_LOGI("name : %s, address : %s, unique_id : %s, rssi : %d, extra_data : %s", Printable(info.name),
+             info.address, info.unique_id, info.rssi, info.extra_data);
     m_DeviceFoundCallback(info);
 }
 
@@ -82,7 +82,8 @@ CScanner::ManufacturerData CScanner::ReadManufacturerData(const bt_adapter_le_de
     const int result =
         bt_adapter_le_get_scan_result_manufacturer_data(info, packetType, &found.company, &data, &found.length);
     if (result != PLATFORM_OK) {
-        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]", static_cast<unsigned>(result));
+        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]",
+                 static_cast<unsigned>(result));
         return found;
     }
     found.data.reset(data);

@@ -27,8 +27,8 @@ public:
     void StartAdvertisement(int interval) override;
     void StopAdvertisement() override;
     /// Exceptions of the callback pass to the caller.
-    void NotifyDeviceFound(const std::string& name, const std::string& address, const std::string& uniqueId, int rssi,
-                           const std::string& extraData) override;
+    void NotifyDeviceFound(const std::string& name, const std::string& address, const std::string& uniqueId,
+                           int rssi, const std::string& extraData) override;
     void NotifyScanStateChanged(ScanState state) override;
 
     /// The manufacturer data of one packet, without the company identifier. Empty when the platform finds

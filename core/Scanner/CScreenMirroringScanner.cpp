@@ -12,7 +12,8 @@ namespace lyn {
 
 CScreenMirroringScanner::CScreenMirroringScanner() : CScreenMirroringScanner(nullptr, nullptr) {}
 
-CScreenMirroringScanner::CScreenMirroringScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb)
+CScreenMirroringScanner::CScreenMirroringScanner(DeviceFoundCb deviceFoundCb,
+                                                 ScanStateChangedCb scanStateChangedCb)
     : CPhoneScanner(std::move(deviceFoundCb), std::move(scanStateChangedCb),
                     {.marker = 25,
                      .advTriggerKey = "memory/org.nuvex.bleapp/mirroring_trigger",

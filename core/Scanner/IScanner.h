@@ -26,8 +26,8 @@ public:
     virtual void StartAdvertisement(int interval) = 0;
     virtual void StopAdvertisement() = 0;
     /// Reports a phone. An empty name is reported as absent.
-    virtual void NotifyDeviceFound(const std::string& name, const std::string& address, const std::string& uniqueId,
-                                   int rssi, const std::string& extraData) = 0;
+    virtual void NotifyDeviceFound(const std::string& name, const std::string& address,
+                                   const std::string& uniqueId, int rssi, const std::string& extraData) = 0;
     virtual void NotifyScanStateChanged(ScanState state) = 0;
 };
 

@@ -9,7 +9,8 @@ namespace lyn {
 
 CScreenMirroringService::CScreenMirroringService() : CScreenMirroringService("", nullptr) {}
 
-CScreenMirroringService::CScreenMirroringService(const std::string& serviceName, const StateChangedCb& stateChangeCb)
+CScreenMirroringService::CScreenMirroringService(const std::string& serviceName,
+                                                 const StateChangedCb& stateChangeCb)
     : CService(serviceName, stateChangeCb)
 {
 }

@@ -42,7 +42,8 @@ void CService::RequesterDeleter::operator()(IRequester* requester) const
 }
 
 CService::CService(std::string serviceName, StateChangedCb stateChangeCb)
-    : m_ServiceName(std::move(serviceName)), m_pReports(std::make_shared<CServiceReports>(std::move(stateChangeCb)))
+    : m_ServiceName(std::move(serviceName)),
+      m_pReports(std::make_shared<CServiceReports>(std::move(stateChangeCb)))
 {
     InitResultMap();
 }
@@ -257,6 +258,11 @@ void CService::OnDeviceFound(const lyn_device_info_t& info)
 {
     const auto reports = m_pReports;
     reports->ReportDeviceFound(info);
+}
+
+void CService::StopReports()
+{
+    m_pReports->Stop();
 }
 
 void CService::OnStateChanged(lyn_state_e state)

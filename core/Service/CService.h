@@ -44,6 +44,7 @@ public:
     void OnRequestResult(lyn_request_initiating_result_e result) override;
     void OnDeviceFound(const lyn_device_info_t& info) override;
     int GetNodlinkType() override;
+    void StopReports() override;
 
     // Each takes ownership, and throws LynExceptionInternal for null.
     lyn_error_e SetFsm(IServiceFSM* pFsm);

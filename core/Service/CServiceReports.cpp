@@ -40,14 +40,20 @@ std::shared_ptr<IServiceFSM> CServiceReports::SetFsm(std::shared_ptr<IServiceFSM
 std::shared_ptr<IServiceFSM> CServiceReports::GetFsm() const
 {
     const std::lock_guard lock(m_Mutex);
-    return m_pFsm;
+    return m_bClosed ? nullptr : m_pFsm;
 }
 
-std::shared_ptr<IServiceFSM> CServiceReports::Close()
+void CServiceReports::Stop()
 {
     const std::lock_guard lock(m_Mutex);
     m_bClosed = true;
     m_Postponed.clear();
+}
+
+std::shared_ptr<IServiceFSM> CServiceReports::Close()
+{
+    Stop();
+    const std::lock_guard lock(m_Mutex);
     return std::move(m_pFsm);
 }
 
@@ -169,7 +175,8 @@ std::optional<lyn_request_initiating_result_e> CServiceReports::TakePostponed()
     return result;
 }
 
-CServiceReports::RequestCall::RequestCall(std::shared_ptr<CServiceReports> reports) : m_pReports(std::move(reports))
+CServiceReports::RequestCall::RequestCall(std::shared_ptr<CServiceReports> reports)
+    : m_pReports(std::move(reports))
 {
     const std::lock_guard lock(m_pReports->m_Mutex);
     m_pReports->m_Postponed.reserve(EXPECTED_POSTPONED);

@@ -2,7 +2,7 @@
 //
 // The way of reports from a service's parts to the application. It is shared with the scanner, the
 // requester and the state machine, because a report may be under way on the main loop while another
-// thread, or the application's own callback, destroys the service: after Close() every report finds
+// thread, or the application's own callback, destroys the service: after Stop() every report finds
 // nothing and does nothing.
 //
 // The lock is held to store and to copy, never during a call. A device or result callback is the last
@@ -39,7 +39,9 @@ public:
     /// its end and is then posted to the main loop again.
     void ReportRequestResult(lyn_request_initiating_result_e result);
 
-    /// Ends all reports. Returns the state machine.
+    /// Ends all reports; the state machine is not given out any more.
+    void Stop();
+    /// Stop(), and returns the state machine.
     std::shared_ptr<IServiceFSM> Close();
 
     /// A call that starts a request, from its first step to its last.

@@ -39,6 +39,10 @@ public:
     virtual void OnRequestResult(lyn_request_initiating_result_e result) = 0;
     virtual void OnDeviceFound(const lyn_device_info_t& info) = 0;
     virtual int GetNodlinkType() = 0;
+
+    /// The application has destroyed the service: no report reaches it any more, and no further event is
+    /// taken. A call in progress may still hold the object.
+    virtual void StopReports() = 0;
 };
 
 }  // namespace lyn

@@ -37,7 +37,8 @@ lyn_request_initiating_result_e ToRequestResult(const RequestResultMap& map, con
 
 std::string ToResultText(const RequestResultMap& map, lyn_request_initiating_result_e result)
 {
-    const auto found = std::find_if(map.begin(), map.end(), [&](const auto& entry) { return entry.second == result; });
+    const auto found =
+        std::find_if(map.begin(), map.end(), [&](const auto& entry) { return entry.second == result; });
     if (found == map.end()) {
         LogAndThrow<LynExceptionInvalidParam>("Not mached errorCode");
     }

@@ -36,7 +36,8 @@ void CServiceBuilder::InitServiceBuilderMap()
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     m_ServiceBuilderMap.emplace("kov", [this](const StateChangedCb& cb) { return BuildKovService(cb); });
     m_ServiceBuilderMap.emplace("nodlink", [this](const StateChangedCb& cb) { return BuildNodLinkService(cb); });
-    m_ServiceBuilderMap.emplace("mirroring", [this](const StateChangedCb& cb) { return BuildMirroringService(cb); });
+    m_ServiceBuilderMap.emplace("mirroring",
+                                [this](const StateChangedCb& cb) { return BuildMirroringService(cb); });
     m_ServiceBuilderMap.emplace("dummy", [this](const StateChangedCb& cb) { return BuildDummyService(cb); });
 }
 

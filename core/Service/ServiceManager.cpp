@@ -64,6 +64,7 @@ void CServiceManager::DestroyService(lyn_service_h handle)
     if (handle != m_pService.get()) {
         throw LynExceptionInvalidHandle("not mached service");
     }
+    m_pService->StopReports();
     m_pService.reset();
 }
 

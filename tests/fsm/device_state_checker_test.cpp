@@ -8,9 +8,10 @@
 namespace lyn::test {
 namespace {
 
-const Texts kRegistrations = {"device_power_subscribe_poweroff_event()", "device_power_subscribe_ambient_poweroff()",
-                              "bt_adapter_set_state_changed_cb()"};
-const Texts kUnregistrations = {"bt_adapter_unset_state_changed_cb()", "device_power_unsubscribe_ambient_poweroff()",
+const Texts kRegistrations = {"device_power_subscribe_poweroff_event()",
+                              "device_power_subscribe_ambient_poweroff()", "bt_adapter_set_state_changed_cb()"};
+const Texts kUnregistrations = {"bt_adapter_unset_state_changed_cb()",
+                                "device_power_unsubscribe_ambient_poweroff()",
                                 "device_power_unsubscribe_poweroff_event()"};
 
 using DeviceStateChecker = CheckerTest;
@@ -35,11 +36,9 @@ TEST_F(DeviceStateChecker, LogsWhatItHasRead)
 
 TEST_F(DeviceStateChecker, IsEnabledWithBluetoothOnAndAPowerStateThatServes)
 {
-    const std::vector<std::pair<int, bool>> powerStates = {{0, true},       {1, true},       {2, true},
-                                                           {3, false},      {4, true},       {5, false},
-                                                           {6, false},      {7, false},      {8, false},
-                                                           {0x104, false},  {-1, false},     {-4, false},
-                                                           {INT_MIN, false}, {INT_MAX, false}};
+    const std::vector<std::pair<int, bool>> powerStates = {
+        {0, true},  {1, true},  {2, true},      {3, false},  {4, true},   {5, false},       {6, false},
+        {7, false}, {8, false}, {0x104, false}, {-1, false}, {-4, false}, {INT_MIN, false}, {INT_MAX, false}};
     for (const auto& [power, serves] : powerStates) {
         for (const bt_adapter_state_e adapter : {BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED}) {
             SCOPED_TRACE("power " + std::to_string(power) + ", adapter " + std::to_string(adapter));

@@ -54,9 +54,10 @@ TEST_F(NodLinkStateMachine, IsReadyOnAnEnabledDeviceAndReportsNothing)
     EXPECT_EQ(Init(), LYN_ERROR_NONE);
     EXPECT_EQ(State(), LYN_STATE_READY);
     EXPECT_TRUE(reports.empty());
-    EXPECT_EQ(simulator::JournalText(),
-              Texts({"device_power_get_state()", "bt_adapter_get_state(-> 1)", "device_power_subscribe_poweroff_event()",
-                     "device_power_subscribe_ambient_poweroff()", "bt_adapter_set_state_changed_cb()"}));
+    EXPECT_EQ(
+        simulator::JournalText(),
+        Texts({"device_power_get_state()", "bt_adapter_get_state(-> 1)", "device_power_subscribe_poweroff_event()",
+               "device_power_subscribe_ambient_poweroff()", "bt_adapter_set_state_changed_cb()"}));
     EXPECT_TRUE(Messages(WARN).empty());
     EXPECT_TRUE(Messages(ERROR).empty());
 }

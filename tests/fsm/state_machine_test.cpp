@@ -100,9 +100,9 @@ TEST_F(StateMachine, ReportsReadyTwiceWhenTheScanStopsInsideItsStop)
     const auto stop = [&] { machine->ProcessEvent(LYN_FSM_EVENT_SCAN_STOPPED, std::make_shared<EventArg>()); };
     machine->ProcessEvent(LYN_FSM_EVENT_STOP_SCAN, std::make_shared<EventArg>(stop));
     EXPECT_EQ(reports, States({LYN_STATE_READY, LYN_STATE_READY}));
-    EXPECT_EQ(Messages(WARN),
-              Texts({CurrentLine(LYN_STATE_SCANNING), CurrentLine(LYN_STATE_SCANNING),
-                     TransitLine(LYN_STATE_READY, LYN_STATE_SCANNING), TransitLine(LYN_STATE_READY, LYN_STATE_READY)}));
+    EXPECT_EQ(Messages(WARN), Texts({CurrentLine(LYN_STATE_SCANNING), CurrentLine(LYN_STATE_SCANNING),
+                                     TransitLine(LYN_STATE_READY, LYN_STATE_SCANNING),
+                                     TransitLine(LYN_STATE_READY, LYN_STATE_READY)}));
 }
 
 TEST_F(StateMachine, RefusesEveryEventAfterItsDeinitAndKeepsItsState)

@@ -29,9 +29,9 @@ constexpr Cell kAdvertise = {true, true, true, std::nullopt};
 
 // A row is an event, a column a state; both in the order of their values.
 constexpr Cell kTable[7][4] = {
-    {kStartScan, kRefused, kRefused, kRefused},         {kStopScan, kStopScan, kStopScanStaying, kStopScan},
-    {kRefused, kScanStopped, kRefused, kRefused},       {kRequest, kRequest, kRefused, kRefused},
-    {kRefused, kRefused, kResult, kRefused},            {kAdvertise, kAdvertise, kRefused, kRefused},
+    {kStartScan, kRefused, kRefused, kRefused},   {kStopScan, kStopScan, kStopScanStaying, kStopScan},
+    {kRefused, kScanStopped, kRefused, kRefused}, {kRequest, kRequest, kRefused, kRefused},
+    {kRefused, kRefused, kResult, kRefused},      {kAdvertise, kAdvertise, kRefused, kRefused},
     {kAdvertise, kAdvertise, kRefused, kRefused},
 };
 
@@ -122,7 +122,8 @@ TEST_F(StateTable, RefusesEveryOtherEventAsAnInvalidState)
             return;
         }
         ++refused;
-        EXPECT_EQ(ThrownBy<LynExceptionInvalidState>([&] { machine->ProcessEvent(event, Work()); }), "Invalid State");
+        EXPECT_EQ(ThrownBy<LynExceptionInvalidState>([&] { machine->ProcessEvent(event, Work()); }),
+                  "Invalid State");
         EXPECT_EQ(worked, 0);
         ExpectUntouched(state);
         EXPECT_EQ(Messages(ERROR), Texts({"Invalid State"}));

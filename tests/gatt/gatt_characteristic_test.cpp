@@ -302,31 +302,39 @@ TEST_F(GattCharacteristic, LeavesThePlatformsCallbacksToTheOriginal)
     EXPECT_TRUE(values.empty()) << "nobody is registered any more";
 }
 
-TEST_F(GattCharacteristic, MayGoInsideItsCallbacks)
+TEST_F(GattCharacteristic, MayGoInsideItsNotification)
 {
-    std::unique_ptr<CGattCharacteristic> characteristic;
-    const auto setUp = [&] {
-        characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
-        ASSERT_TRUE(characteristic->Init(Service(kServiceA), [&](const char* value, int) {
-            characteristic.reset();
-            values.emplace_back(value);
-        }));
-    };
-    setUp();
+    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
+    auto life = std::make_shared<int>();
+    const std::weak_ptr<int> callable = life;
+    ASSERT_TRUE(characteristic->Init(Service(kServiceA), [&, held = std::move(life)](const char* value, int) {
+        characteristic.reset();
+        EXPECT_FALSE(callable.expired()) << "what is being called lives";
+        values.emplace_back(value);
+    }));
     char value[] = "Success";
-    auto registration = simulator::ValueRegistration(kCharacteristicA1);
+    const auto registration = simulator::ValueRegistration(kCharacteristicA1);
     registration.callback(Handle(), value, 7, registration.userData);
     EXPECT_EQ(values, Texts{"Success"});
+    EXPECT_TRUE(callable.expired());
     registration.callback(Handle(), value, 7, registration.userData);
     EXPECT_EQ(values.size(), 1U);
+}
 
-    setUp();
-    ASSERT_TRUE(characteristic->write("a", [&](int result) {
+TEST_F(GattCharacteristic, MayGoInsideTheEndOfItsWrite)
+{
+    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
+    ASSERT_TRUE(characteristic->Init(Service(kServiceA), KeepValues()));
+    auto life = std::make_shared<int>();
+    const std::weak_ptr<int> callable = life;
+    ASSERT_TRUE(characteristic->write("a", [&, held = std::move(life)](int result) {
         characteristic.reset();
+        EXPECT_FALSE(callable.expired()) << "what is being called lives";
         writes.push_back(result);
     }));
     simulator::Settle();
     EXPECT_EQ(writes, std::vector<int>{0});
+    EXPECT_TRUE(callable.expired());
 }
 
 TEST_F(GattCharacteristic, DropsReportsWithoutUserData)

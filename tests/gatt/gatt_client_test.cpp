@@ -133,12 +133,17 @@ TEST_F(GattClient, DoesNotUnregisterFromTheMtuOfAClientThatIsGone)
 TEST_F(GattClient, MayGoInsideTheReportOfItsMtu)
 {
     auto client = MakeConnectedClient();
-    ASSERT_TRUE(client->RequestSetMtu(256, [&](void*, const bt_gatt_client_att_mtu_info_s* info) {
-        client.reset();
-        mtus.push_back(info->mtu);
-    }));
+    auto life = std::make_shared<int>();
+    const std::weak_ptr<int> callable = life;
+    ASSERT_TRUE(
+        client->RequestSetMtu(256, [&, held = std::move(life)](void*, const bt_gatt_client_att_mtu_info_s* info) {
+            client.reset();
+            EXPECT_FALSE(callable.expired()) << "what is being called lives";
+            mtus.push_back(info->mtu);
+        }));
     simulator::Settle();
     EXPECT_EQ(mtus, std::vector<unsigned>{256});
+    EXPECT_TRUE(callable.expired());
     EXPECT_EQ(simulator::Alive().clients, 0);
     EXPECT_EQ(CountCalls("bt_gatt_client_unset_att_mtu_changed_cb"), 0);
 }

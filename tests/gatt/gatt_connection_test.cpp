@@ -337,10 +337,13 @@ TEST_F(GattConnection, MayGoInsideItsReport)
         SCOPED_TRACE(connected);
         std::unique_ptr<CGattClient, Deleter> client(new CGattClient);
         std::string told;
+        auto life = std::make_shared<int>();
+        const std::weak_ptr<int> callable = life;
         ASSERT_TRUE(client->Init(
-            [&](int, bool reported, const std::string& address) {
+            [&, held = std::move(life)](int, bool reported, const std::string& address) {
                 if (reported == connected) {
                     client.reset();
+                    EXPECT_FALSE(callable.expired()) << "what is being called lives";
                     told = address;
                 }
             },

@@ -27,7 +27,8 @@ const std::vector<Function>& FunctionsWithAHandle()
         {"lyn_stop_scan", "lyn_error_e lyn_stop_scan(lyn_service_h)", stale,
          [](lyn_service_h h) { return lyn_stop_scan(h); }},
         {"lyn_start_scan_with_serialization",
-         "lyn_error_e lyn_start_scan_with_serialization(lyn_service_h, lyn_device_found_with_serialization_cb, void*)",
+         "lyn_error_e lyn_start_scan_with_serialization(lyn_service_h, lyn_device_found_with_serialization_cb, "
+         "void*)",
          stale, [](lyn_service_h h) { return lyn_start_scan_with_serialization(h, nullptr, nullptr); }},
         {"lyn_request_initiating",
          "lyn_error_e lyn_request_initiating(lyn_service_h, const char*, lyn_request_initiating_result_cb, void*)",
@@ -62,9 +63,10 @@ Texts TraceOfTheInterface()
         EXPECT_EQ(line.file, "lyn_service_log.h");
         EXPECT_EQ(line.function, in ? "ApiTracker" : "~ApiTracker");
         EXPECT_GT(std::stoi(match[3]), 0);
-        // Compilers differ in the blank before an asterisk.
-        const std::string declaration = std::regex_replace(match[2].str(), std::regex(" +\\*"), "*");
-        if (declaration.find(" lyn_") != std::string::npos) {
+        // Compilers differ in the blanks around an asterisk.
+        std::string declaration = std::regex_replace(match[2].str(), std::regex(" +\\*"), "*");
+        declaration = std::regex_replace(declaration, std::regex("\\*lyn_"), "* lyn_");
+        if (declaration.find("lyn::") == std::string::npos) {
             trace.push_back((in ? "IN " : "OUT ") + declaration);
         }
     }

@@ -54,7 +54,8 @@ TEST_F(ArgumentCheck, RefusesToCreateWithoutANameFirst)
 TEST_F(ArgumentCheck, RefusesToCreateWithoutAPlaceForTheHandle)
 {
     for (const char* name : {"dummy", "unknown", ""}) {
-        ExpectRefused(lyn_create_service(nullptr, name, nullptr, nullptr), "lyn_create_service", "service is NULL");
+        ExpectRefused(lyn_create_service(nullptr, name, nullptr, nullptr), "lyn_create_service",
+                      "service is NULL");
     }
 }
 
@@ -85,7 +86,8 @@ TEST_F(ArgumentCheck, RefusesARequestWithoutADeviceAndCallsNothing)
 {
     App app("dummy");
     bool called = false;
-    for (lyn_service_h handle : {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&app)}) {
+    for (lyn_service_h handle :
+         {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&app)}) {
         simulator::ClearLog();
         simulator::ClearJournal();
         ExpectRefused(lyn_request_initiating(handle, nullptr, NoteResult, &called), "lyn_request_initiating",

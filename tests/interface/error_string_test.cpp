@@ -23,10 +23,17 @@ protected:
 
 TEST_P(ErrorString, NamesEveryResult)
 {
-    const std::vector<std::pair<int, std::string>> names = {
-        {0, "Success"},        {1, "GattFail"},     {2, "NotRegisteredDevice"}, {3, "UnknownErr"},
-        {4, "CommandErr"},     {5, "NotSupported"}, {6, "Connected"},           {8, "NotTap"},
-        {9, "NotStartedKov"},  {10, "NotStartedMirroring"},                     {11, "GattDisconnected"}};
+    const std::vector<std::pair<int, std::string>> names = {{0, "Success"},
+                                                            {1, "GattFail"},
+                                                            {2, "NotRegisteredDevice"},
+                                                            {3, "UnknownErr"},
+                                                            {4, "CommandErr"},
+                                                            {5, "NotSupported"},
+                                                            {6, "Connected"},
+                                                            {8, "NotTap"},
+                                                            {9, "NotStartedKov"},
+                                                            {10, "NotStartedMirroring"},
+                                                            {11, "GattDisconnected"}};
     for (const auto& [result, name] : names) {
         SCOPED_TRACE(name);
         simulator::ClearLog();

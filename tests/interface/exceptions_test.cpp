@@ -34,7 +34,8 @@ TEST_F(InterfaceExceptions, LeaveForANullVersionWhateverTheHandle)
 {
     App app("nodlink");
     int other = 0;
-    for (lyn_service_h handle : {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&other)}) {
+    for (lyn_service_h handle :
+         {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&other)}) {
         simulator::ClearLog();
         simulator::ClearJournal();
         EXPECT_THROW(lyn_set_nodlink_version(handle, nullptr), std::logic_error);
@@ -46,7 +47,8 @@ TEST_F(InterfaceExceptions, LeaveForNullExtraDataWhateverTheHandle)
 {
     App app("nodlink");
     int other = 0;
-    for (lyn_service_h handle : {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&other)}) {
+    for (lyn_service_h handle :
+         {app.handle, static_cast<lyn_service_h>(nullptr), static_cast<lyn_service_h>(&other)}) {
         simulator::ClearLog();
         simulator::ClearJournal();
         EXPECT_THROW(lyn_request_initiating_with_extra_data(handle, kPhone, nullptr, nullptr, nullptr),

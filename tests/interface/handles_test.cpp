@@ -92,7 +92,8 @@ TEST_F(Handles, OfTheLivingServiceAreAcceptedByEveryFunction)
         SCOPED_TRACE(function.name);
         if (function.name == "lyn_destroy_service") {
             EXPECT_STREQ(
-                lyn_get_request_initiating_error_string(app.handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS), "Success");
+                lyn_get_request_initiating_error_string(app.handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS),
+                "Success");
         }
         EXPECT_EQ(function.call(app.handle), LYN_ERROR_NONE);
     }

@@ -99,8 +99,8 @@ TEST(PublicHeader, HasTheFunctionsAsDeclared)
     static_assert(IsSame<lyn_error_e(Handle, Json, void*)>(lyn_start_scan_with_serialization));
     static_assert(IsSame<lyn_error_e(Handle)>(lyn_stop_scan));
     static_assert(IsSame<lyn_error_e(Handle, const char*, Result, void*)>(lyn_request_initiating));
-    static_assert(
-        IsSame<lyn_error_e(Handle, const char*, const char*, Result, void*)>(lyn_request_initiating_with_extra_data));
+    static_assert(IsSame<lyn_error_e(Handle, const char*, const char*, Result, void*)>(
+        lyn_request_initiating_with_extra_data));
     static_assert(IsSame<lyn_error_e(Handle, lyn_adv_interval_e)>(lyn_start_advertise));
     static_assert(IsSame<lyn_error_e(Handle)>(lyn_stop_advertise));
     static_assert(IsSame<lyn_error_e(Handle, const char*)>(lyn_set_nodlink_version));

@@ -47,7 +47,8 @@ TEST_F(InterfaceThreads, DeliverAResultOnTheMainLoop)
 TEST_F(InterfaceThreads, LendTheNameOfAResultToEachThreadApart)
 {
     App app("dummy");
-    const char* mine = lyn_get_request_initiating_error_string(app.handle, LYN_REQUEST_INITIATING_RESULT_CONNECTED);
+    const char* mine =
+        lyn_get_request_initiating_error_string(app.handle, LYN_REQUEST_INITIATING_RESULT_CONNECTED);
     OnAnotherThread([&] {
         const char* other =
             lyn_get_request_initiating_error_string(app.handle, LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
@@ -64,7 +65,8 @@ TEST_F(InterfaceThreads, NameResultsAllAtOnce)
     for (std::size_t i = 0; i < wrong.size(); ++i) {
         threads.emplace_back([&, i] {
             const bool even = i % 2 == 0;
-            const auto result = even ? LYN_REQUEST_INITIATING_RESULT_SUCCESS : LYN_REQUEST_INITIATING_RESULT_NOT_TAP;
+            const auto result =
+                even ? LYN_REQUEST_INITIATING_RESULT_SUCCESS : LYN_REQUEST_INITIATING_RESULT_NOT_TAP;
             for (int time = 0; time < 200; ++time) {
                 const std::string text = lyn_get_request_initiating_error_string(app.handle, result);
                 wrong[i] += text == (even ? "Success" : "NotTap") ? 0 : 1;
@@ -84,7 +86,8 @@ TEST_F(InterfaceThreads, CreateOneServiceAmongAll)
     std::vector<void*> handles(8, nullptr);
     std::vector<lyn_error_e> errors(handles.size(), LYN_ERROR_INTERNAL);
     for (std::size_t i = 0; i < handles.size(); ++i) {
-        threads.emplace_back([&, i] { errors[i] = lyn_create_service(&handles[i], "mirroring", nullptr, nullptr); });
+        threads.emplace_back(
+            [&, i] { errors[i] = lyn_create_service(&handles[i], "mirroring", nullptr, nullptr); });
     }
     for (std::thread& thread : threads) {
         thread.join();

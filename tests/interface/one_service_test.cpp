@@ -99,6 +99,7 @@ void SayWhatIsLeft()
 
 TEST_F(OneService, IsReleasedWhenTheProcessExits)
 {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // In a process that has not used the library yet.
     for (const char* name : {"dummy", "mirroring", "nodlink", "kov"}) {
         SCOPED_TRACE(name);
         EXPECT_EXIT(

@@ -33,24 +33,30 @@ protected:
 
 TEST_F(Serialization, HasTheMembersInTheOrderOfTheirBytes)
 {
-    EXPECT_EQ(Of({"the name", "the address", "the id", "the data", 5}),
-              R"({"Address":"the address","ExtraData":"the data","Name":"the name","RSSI":5,"UniqueID":"the id"})");
+    EXPECT_EQ(
+        Of({"the name", "the address", "the id", "the data", 5}),
+        R"({"Address":"the address","ExtraData":"the data","Name":"the name","RSSI":5,"UniqueID":"the id"})");
 }
 
 TEST_F(Serialization, WritesNullTextsAsEmptyOnes)
 {
-    EXPECT_EQ(Of({nullptr, "a", "u", "e", 0}), R"({"Address":"a","ExtraData":"e","Name":"","RSSI":0,"UniqueID":"u"})");
-    EXPECT_EQ(Of({"n", nullptr, "u", "e", 0}), R"({"Address":"","ExtraData":"e","Name":"n","RSSI":0,"UniqueID":"u"})");
-    EXPECT_EQ(Of({"n", "a", nullptr, "e", 0}), R"({"Address":"a","ExtraData":"e","Name":"n","RSSI":0,"UniqueID":""})");
-    EXPECT_EQ(Of({"n", "a", "u", nullptr, 0}), R"({"Address":"a","ExtraData":"","Name":"n","RSSI":0,"UniqueID":"u"})");
+    EXPECT_EQ(Of({nullptr, "a", "u", "e", 0}),
+              R"({"Address":"a","ExtraData":"e","Name":"","RSSI":0,"UniqueID":"u"})");
+    EXPECT_EQ(Of({"n", nullptr, "u", "e", 0}),
+              R"({"Address":"","ExtraData":"e","Name":"n","RSSI":0,"UniqueID":"u"})");
+    EXPECT_EQ(Of({"n", "a", nullptr, "e", 0}),
+              R"({"Address":"a","ExtraData":"e","Name":"n","RSSI":0,"UniqueID":""})");
+    EXPECT_EQ(Of({"n", "a", "u", nullptr, 0}),
+              R"({"Address":"a","ExtraData":"","Name":"n","RSSI":0,"UniqueID":"u"})");
     EXPECT_EQ(Of({nullptr, nullptr, nullptr, nullptr, 0}),
               R"({"Address":"","ExtraData":"","Name":"","RSSI":0,"UniqueID":""})");
 }
 
 TEST_F(Serialization, WritesExtraDataAsATextAlsoWhereItIsJson)
 {
-    EXPECT_EQ(Of({"", "", "", R"({"appid":"music","n":[1,2]})", 0}),
-              R"({"Address":"","ExtraData":"{\"appid\":\"music\",\"n\":[1,2]}","Name":"","RSSI":0,"UniqueID":""})");
+    EXPECT_EQ(
+        Of({"", "", "", R"({"appid":"music","n":[1,2]})", 0}),
+        R"({"Address":"","ExtraData":"{\"appid\":\"music\",\"n\":[1,2]}","Name":"","RSSI":0,"UniqueID":""})");
 }
 
 TEST_F(Serialization, EscapesWhatJsonEscapes)

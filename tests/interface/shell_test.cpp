@@ -9,10 +9,7 @@ namespace {
 
 class InterfaceShell : public FakeServiceTest {
 protected:
-    InterfaceShell()
-    {
-        EXPECT_EQ(lyn_create_service(&m_handle, "any name", KeepState, this), LYN_ERROR_NONE);
-    }
+    InterfaceShell() { EXPECT_EQ(lyn_create_service(&m_handle, "any name", KeepState, this), LYN_ERROR_NONE); }
 
     static void KeepState(lyn_state_e state, void* self)
     {
@@ -91,8 +88,9 @@ TEST_F(InterfaceShell, GivesTheTypeOutWhateverItIs)
 TEST_F(InterfaceShell, GivesTheNameOfAResultOutWhateverItIs)
 {
     script.errorText = "some text";
-    EXPECT_STREQ(lyn_get_request_initiating_error_string(m_handle, static_cast<lyn_request_initiating_result_e>(99)),
-                 "some text");
+    EXPECT_STREQ(
+        lyn_get_request_initiating_error_string(m_handle, static_cast<lyn_request_initiating_result_e>(99)),
+        "some text");
     EXPECT_EQ(TakeCalls().back(), "error string 99");
     EXPECT_TRUE(HasLog(INFO, "errorString : some text"));
     script.errorText = "";

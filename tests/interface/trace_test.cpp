@@ -88,7 +88,8 @@ TEST_F(InterfaceTrace, BracketsTheChecksOfArguments)
 {
     simulator::ClearLog();
     EXPECT_EQ(lyn_request_initiating(nullptr, nullptr, nullptr, nullptr), LYN_ERROR_INVALID_PARAMETER);
-    ExpectOne("lyn_error_e lyn_request_initiating(lyn_service_h, const char*, lyn_request_initiating_result_cb, void*)");
+    ExpectOne(
+        "lyn_error_e lyn_request_initiating(lyn_service_h, const char*, lyn_request_initiating_result_cb, void*)");
     simulator::ClearLog();
     EXPECT_EQ(lyn_request_initiating_with_extra_data(nullptr, nullptr, nullptr, nullptr, nullptr),
               LYN_ERROR_INVALID_PARAMETER);
@@ -123,8 +124,8 @@ TEST_F(InterfaceTrace, BracketsARefusalOfTheState)
     ExpectOne("lyn_error_e lyn_start_scan(lyn_service_h, lyn_device_found_cb, void*)");
     simulator::ClearLog();
     EXPECT_EQ(app.StartScanWithSerialization(), LYN_ERROR_INVALID_STATE);
-    ExpectOne(
-        "lyn_error_e lyn_start_scan_with_serialization(lyn_service_h, lyn_device_found_with_serialization_cb, void*)");
+    ExpectOne("lyn_error_e lyn_start_scan_with_serialization(lyn_service_h, "
+              "lyn_device_found_with_serialization_cb, void*)");
 }
 
 TEST_F(InterfaceTrace, BracketsTheNameOfAResult)

@@ -129,7 +129,10 @@ TEST_F(CallbackWrappers, ReportEachPhoneOfARadioAsOneLineOfJson)
     const lyn_device_found_with_serialization_cb keep = [](const char* text, void* data) {
         static_cast<Texts*>(data)->emplace_back(text);
     };
-    simulator::Phone phone = simulator::MirroringPhone(kPhone, "K\xC3\xBC" "che", "0123456789abcdefghijkl");
+    simulator::Phone phone = simulator::MirroringPhone(kPhone,
+                                                       "K\xC3\xBC"
+                                                       "che",
+                                                       "0123456789abcdefghijkl");
     phone.rssi = -61;
     simulator::AddPhone(phone);
     ASSERT_EQ(lyn_create_service(&m_handle, "mirroring", nullptr, nullptr), LYN_ERROR_NONE);
@@ -137,7 +140,8 @@ TEST_F(CallbackWrappers, ReportEachPhoneOfARadioAsOneLineOfJson)
     ASSERT_EQ(lyn_start_scan_with_serialization(m_handle, keep, &jsons), LYN_ERROR_NONE);
     ASSERT_TRUE(simulator::RunUntil([&] { return !jsons.empty(); }));
     EXPECT_EQ(jsons[0].rfind("{\"Address\":\"AA:BB:CC:DD:EE:01\",\"ExtraData\":\"", 0), 0U) << jsons[0];
-    EXPECT_NE(jsons[0].find("\"Name\":\"K\\u00fcche\",\"RSSI\":-61,\"UniqueID\":\""), std::string::npos) << jsons[0];
+    EXPECT_NE(jsons[0].find("\"Name\":\"K\\u00fcche\",\"RSSI\":-61,\"UniqueID\":\""), std::string::npos)
+        << jsons[0];
     EXPECT_EQ(jsons[0].find('\n'), std::string::npos);
 }
 

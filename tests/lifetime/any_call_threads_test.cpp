@@ -39,8 +39,9 @@ void Call(Client& client, unsigned number)
         lyn_get_nodlink_type(client.Handle(), &type);
         break;
     default:
-        EXPECT_STREQ(lyn_get_request_initiating_error_string(client.Handle(), LYN_REQUEST_INITIATING_RESULT_NOT_TAP),
-                     "NotTap");
+        EXPECT_STREQ(
+            lyn_get_request_initiating_error_string(client.Handle(), LYN_REQUEST_INITIATING_RESULT_NOT_TAP),
+            "NotTap");
         break;
     }
 }

@@ -26,10 +26,7 @@ protected:
     }
 
     /// A new life; reports of it may be under way when the service is gone, so it stays until the end.
-    Client& BeginClient()
-    {
-        return *m_clients.emplace_back(std::make_unique<Client>(GetParam()));
-    }
+    Client& BeginClient() { return *m_clients.emplace_back(std::make_unique<Client>(GetParam())); }
 
     /// Lives a short life as often as there are turns, on another thread, each to its destruction.
     void LiveAndDestroy(const std::function<void(Client&, int turn)>& live)
@@ -56,10 +53,7 @@ protected:
     }
 
     /// Some time passes, a little more each turn, so that every step of what is under way is met.
-    static void Dawdle(int turn)
-    {
-        std::this_thread::sleep_for(std::chrono::microseconds(turn % 40 * 25));
-    }
+    static void Dawdle(int turn) { std::this_thread::sleep_for(std::chrono::microseconds(turn % 40 * 25)); }
 
 private:
     std::vector<std::unique_ptr<Client>> m_clients;

@@ -46,9 +46,15 @@ const std::vector<Step>& StepsOfEach()
 {
     static const std::vector<Step> steps = {
         {"BeforeTheConnectionReport", [](Phone&) {}, [] { return true; }},
-        {"BetweenTwoAttempts", [](Phone& phone) { phone.connects = {{kOftenFailing, 0}, {0, 20}}; },
+        {"BetweenTwoAttempts",
+         [](Phone& phone) {
+             phone.connects = {{kOftenFailing, 0}, {0, 20}};
+         },
          [] { return CountOf("bt_gatt_connect") == 2; }},
-        {"WhileAFailedConnectionIsDelivered", [](Phone& phone) { phone.connects = {{kTimedOut, 0}}; },
+        {"WhileAFailedConnectionIsDelivered",
+         [](Phone& phone) {
+             phone.connects = {{kTimedOut, 0}};
+         },
          [] { return HasLog(ERROR, "connection fail"); }},
         {"WhileTheMtuIsAwaited", [](Phone& phone) { phone.mtuDelayMs = 30; },
          [] { return CountOf("bt_gatt_client_request_att_mtu_change") == 1; }},
@@ -60,7 +66,8 @@ const std::vector<Step>& StepsOfEach()
         {"WhileTheAnswerIsDelivered", [](Phone&) {}, [] { return CountOf("bt_gatt_disconnect") == 1; }},
         {"WhileAFailedWriteIsDelivered",
          [](Phone& phone) {
-             CharacteristicOf(phone).answers[0] = {.kind = simulator::Answer::Kind::writeError, .text = {}, .code = 5};
+             CharacteristicOf(phone).answers[0] = {
+                 .kind = simulator::Answer::Kind::writeError, .text = {}, .code = 5};
          },
          [] { return HasLog(INFO, "result : 5"); }},
         {"WhileALostLinkIsDelivered",
@@ -152,7 +159,8 @@ TEST_P(AServiceDestroyedInMidRequest, LeavesTheNextItsOwnResultAtOnce)
 }
 
 INSTANTIATE_TEST_SUITE_P(At, AServiceDestroyedInMidRequest,
-                         ::testing::Combine(::testing::ValuesIn(RadioServices()), ::testing::ValuesIn(StepsOfEach())),
+                         ::testing::Combine(::testing::ValuesIn(RadioServices()),
+                                            ::testing::ValuesIn(StepsOfEach())),
                          CaseName);
 
 const std::vector<Step>& StepsOfNodLink()

@@ -180,7 +180,8 @@ TEST_P(InsideTheStateCallback, ASuccessorThatScansThereFindsItsPhone)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, InsideTheStateCallback,
-                         ::testing::Combine(::testing::ValuesIn(AllServices()), ::testing::ValuesIn(MomentsOfEach())),
+                         ::testing::Combine(::testing::ValuesIn(AllServices()),
+                                            ::testing::ValuesIn(MomentsOfEach())),
                          CaseName);
 INSTANTIATE_TEST_SUITE_P(Device, InsideTheStateCallback,
                          ::testing::Combine(::testing::Values(std::string("nodlink")),

@@ -134,7 +134,8 @@ TEST_P(AThrowingCallback, ForTheBeginOfARequestLeavesTheCallAndTheResultStillCom
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, AThrowingCallback,
-                         ::testing::Combine(::testing::ValuesIn(AllServices()), ::testing::ValuesIn(Throws())), CaseName);
+                         ::testing::Combine(::testing::ValuesIn(AllServices()), ::testing::ValuesIn(Throws())),
+                         CaseName);
 
 class AThrowingDeviceCallback : public AThrowingCallback {};
 
@@ -175,7 +176,8 @@ TEST_P(AThrowingReportOfTheDevice, IsLoggedAndDropped)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, AThrowingReportOfTheDevice,
-                         ::testing::Combine(::testing::Values(std::string("nodlink")), ::testing::ValuesIn(Throws())),
+                         ::testing::Combine(::testing::Values(std::string("nodlink")),
+                                            ::testing::ValuesIn(Throws())),
                          CaseName);
 
 }  // namespace

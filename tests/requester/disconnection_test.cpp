@@ -143,6 +143,28 @@ TEST_F(Lost, IsAFailureAgainInTheExchangeAfterAKeptClient)
     EXPECT_EQ(Messages(ERROR), Texts{kTooEarly});
 }
 
+TEST_F(Lost, EndsInGattFailBeforeItWasEverUp)
+{
+    phone.connects = {{0, 60}};
+    simulator::AddPhone(phone);
+    ASSERT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
+    ReportDisconnection(0);
+    EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
+    EXPECT_EQ(Messages(ERROR), Texts{kTooEarly});
+}
+
+TEST_F(Lost, EndsInGattFailBeforeItWasEverUpAfterAKeptClient)
+{
+    PhoneAnswers({Drops(-8)});
+    Ask();
+    LetTimeOut();
+    phone.connects = {{0, 60}};
+    simulator::AddPhone(phone);
+    ASSERT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
+    ReportDisconnection(0);
+    EXPECT_EQ(app.results.size(), 2U) << "or the service would wait for ever";
+}
+
 TEST_F(Lost, EndsInGattFailBeforeTheMtuIsKnown)
 {
     phone.mtuDelayMs = 60;

@@ -38,7 +38,7 @@ protected:
         PhoneAnswers({answer});
     }
 
-    static void PhoneAnswers(const std::vector<simulator::Answer>& answers)
+    static void PhoneAnswers(const std::vector<simulator::Answer>& answers, int disconnectDelayMs = 0)
     {
         simulator::Characteristic characteristic;
         characteristic.uuid = kCharacteristicUuid;
@@ -46,6 +46,7 @@ protected:
         simulator::Phone phone;
         phone.address = kPhone;
         phone.services = {{kServiceUuid, {characteristic}}};
+        phone.disconnectDelayMs = disconnectDelayMs;
         simulator::AddPhone(phone);
     }
 
@@ -254,6 +255,22 @@ TEST_F(Requester, SplitsReportsByWhetherTheLinkIsUp)
     simulator::ClearLog();
     requester.OnConnectionStateChanged(7, false, kPhone);
     EXPECT_EQ(Messages(ERROR), Texts{"disconnection fail"});
+}
+
+TEST_F(Requester, BeginsAnewWhenTheLinkComesUpAgain)
+{
+    PhoneAnswers({}, 50);
+    CScreenMirroringRequester requester(Keep());
+    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    simulator::Settle();
+    ASSERT_TRUE(ElapseTimeout());
+    ASSERT_TRUE(simulator::RunUntil([] { return CountCalls("bt_gatt_disconnect") == 1; }));
+    requester.OnGattConnected(0, kPhone);
+    EXPECT_EQ(ArmedTimeouts(), std::vector<unsigned>{10});
+    simulator::Settle();
+    EXPECT_TRUE(HasLog(ERROR, "GATT disconnected before requesting is done"));
+    EXPECT_EQ(m_results, (Texts{"GattFail", "GattFail"}));
+    EXPECT_TRUE(ArmedTimeouts().empty());
 }
 
 TEST_F(Requester, ChoosesNodLinksModeByItsMessage)

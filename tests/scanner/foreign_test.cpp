@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -33,6 +35,7 @@ struct Found {
     int company = 0;
     const lyn::simulator::Bytes* data = nullptr;
     int calls = 0;
+    std::optional<int> claimedLength = std::nullopt;
 };
 
 Found g_found;
@@ -134,6 +137,7 @@ int bt_adapter_le_get_scan_result_manufacturer_data(const bt_adapter_le_device_s
         *data = static_cast<char*>(std::malloc(g_found.data->size()));
         std::copy_n(reinterpret_cast<const char*>(g_found.data->data()), *length, *data);
     }
+    *length = g_found.claimedLength.value_or(*length);
     return 0;
 }
 
@@ -251,6 +255,17 @@ TYPED_TEST(ForeignAdvertisement, IsNotReadBehindItsEndWhenThePlatformCallsItEmpt
     EXPECT_EQ(costs.reports, 0);
     EXPECT_EQ(costs.lines, 1);
     EXPECT_EQ(costs.exceptions, 1);
+}
+
+TYPED_TEST(ForeignAdvertisement, IsDroppedWhenThePlatformClaimsANegativeLength)
+{
+    const Bytes own = TestFixture::Own();
+    for (const int claimed : {-1, INT_MIN}) {
+        SCOPED_TRACE(claimed);
+        const Costs costs = this->Hear(Found{0, COMPANY, &own, 0, claimed});
+        EXPECT_EQ(costs.reports, 0);
+        EXPECT_EQ(costs.lines, 1);
+    }
 }
 
 // The counters do count: what costs something is seen.

@@ -56,6 +56,7 @@ public:
     void OnRequestResult(lyn_request_initiating_result_e result) override;
     void OnDeviceFound(const lyn_device_info_t& info) override;
     int GetNodlinkType() override;
+    void StopReports() override {}
 
 private:
     static void Operate(const std::string& call);

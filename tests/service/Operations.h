@@ -30,9 +30,11 @@ inline std::vector<Forwarding> Forwardings()
     return {
         {"StartScan", [=](lyn_service_h h) { Manager().StartScan(h, device); }, "start scan"},
         {"StopScan", [](lyn_service_h h) { Manager().StopScan(h); }, "stop scan"},
-        {"RequestInitiating", [=](lyn_service_h h) { Manager().RequestInitiating(h, "the id", "the extra data", result); },
+        {"RequestInitiating",
+         [=](lyn_service_h h) { Manager().RequestInitiating(h, "the id", "the extra data", result); },
          "request 'the id' 'the extra data'"},
-        {"StartAdvertisement", [](lyn_service_h h) { Manager().StartAdvertisement(h, 4711); }, "start advertise 4711"},
+        {"StartAdvertisement", [](lyn_service_h h) { Manager().StartAdvertisement(h, 4711); },
+         "start advertise 4711"},
         {"StopAdvertisement", [](lyn_service_h h) { Manager().StopAdvertisement(h); }, "stop advertise"},
         {"SetNodlinkVersion", [](lyn_service_h h) { Manager().SetNodlinkVersion(h, "the version"); },
          "version 'the version'"},

@@ -51,8 +51,8 @@ void FakeFsm::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
 }
 
 ServiceTest::ServiceTest()
-    : service(std::make_unique<CService>("some service",
-                                         [this](lyn_state_e state) { told.push_back("state " + std::to_string(state)); }))
+    : service(std::make_unique<CService>(
+          "some service", [this](lyn_state_e state) { told.push_back("state " + std::to_string(state)); }))
 {
 }
 

@@ -53,7 +53,9 @@ private:
 
 class FakeRequester : public IRequester {
 public:
-    explicit FakeRequester(Parts& parts, std::string name = "requester") : m_parts(parts), m_name(std::move(name)) {}
+    explicit FakeRequester(Parts& parts, std::string name = "requester") : m_parts(parts), m_name(std::move(name))
+    {
+    }
     ~FakeRequester() override { m_parts.Add("delete " + m_name); }
 
     bool RequestInitiating(const std::string& deviceAddress, const std::string& extraData) override;

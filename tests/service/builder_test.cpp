@@ -108,11 +108,11 @@ TEST_F(ServiceBuilder, FindsTheBuilderOfEachName)
 
 TEST_F(ServiceBuilder, RefusesEveryOtherName)
 {
-    for (const std::string& name : {std::string(), std::string("Dummy"), std::string("DUMMY"), std::string("dummy "),
-                                    std::string(" dummy"), std::string("dumm"), std::string("dummyy"),
-                                    std::string("Mirroring"), std::string("NodLink"), std::string("nod_link"),
-                                    std::string("KOV"), std::string("screen"), std::string("%s%n"),
-                                    std::string("kov\0", 4)}) {
+    for (const std::string& name :
+         {std::string(), std::string("Dummy"), std::string("DUMMY"), std::string("dummy "), std::string(" dummy"),
+          std::string("dumm"), std::string("dummyy"), std::string("Mirroring"), std::string("NodLink"),
+          std::string("nod_link"), std::string("KOV"), std::string("screen"), std::string("%s%n"),
+          std::string("kov\0", 4)}) {
         SCOPED_TRACE(name);
         simulator::ClearLog();
         EXPECT_EQ(ThrownBy<LynExceptionInvalidParam>([&] { m_builder.BuildService(name, KeepStates()); }),

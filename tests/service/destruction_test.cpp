@@ -37,7 +37,8 @@ TEST_F(ServiceDestruction, TouchesNothingOnThePlatform)
     service->StartScan(KeepDevices());
     service.reset();
     EXPECT_TRUE(simulator::JournalText().empty());
-    EXPECT_EQ(TakeCalls(), Texts({"start scan", "delete scanner", "delete requester"})) << "the scan is not stopped";
+    EXPECT_EQ(TakeCalls(), Texts({"start scan", "delete scanner", "delete requester"}))
+        << "the scan is not stopped";
 }
 
 TEST_F(ServiceDestruction, TellsNoStateAnyMore)

@@ -15,8 +15,8 @@ TEST_F(DummyService, ReportsItsPhoneOnceBeforeTheStartOfTheScanReturns)
 {
     EXPECT_EQ(app.StartScan(), LYN_ERROR_NONE);
     ASSERT_EQ(app.phones.size(), 1U);
-    EXPECT_EQ(app.phones[0], (FoundPhone{true, "myDevice", "11:22:33:44:55:66", "q1w2e3r4t5y6",
-                                         R"({"appid":"music"})", -48}));
+    EXPECT_EQ(app.phones[0],
+              (FoundPhone{true, "myDevice", "11:22:33:44:55:66", "q1w2e3r4t5y6", R"({"appid":"music"})", -48}));
     simulator::Settle();
     EXPECT_EQ(app.phones.size(), 1U);
 }
@@ -127,10 +127,9 @@ TEST_F(DummyService, HasNoNodlinkControls)
     EXPECT_EQ(lyn_get_nodlink_type(app.handle, &type), LYN_ERROR_NOT_SUPPORTED);
     EXPECT_EQ(type, 77);
     EXPECT_EQ(lyn_set_nodlink_version(app.handle, "2.0"), LYN_ERROR_NOT_SUPPORTED);
-    EXPECT_EQ(Messages(ERROR), Texts({"Not supported api for this service",
-                                      "exception: Not supported api for this service",
-                                      "Not supported api for this service",
-                                      "exception: Not supported api for this service"}));
+    EXPECT_EQ(Messages(ERROR),
+              Texts({"Not supported api for this service", "exception: Not supported api for this service",
+                     "Not supported api for this service", "exception: Not supported api for this service"}));
 }
 
 TEST_F(DummyService, TouchesNoRadioAndNoSetting)
@@ -169,7 +168,8 @@ TEST_F(DummyService, PrintsTheLegendInTheMachinesTwoLinesOnly)
         EXPECT_EQ(line.priority, WARN);
         EXPECT_TRUE(line.message.starts_with("current state : ") || line.message.starts_with("transit to "))
             << line.message;
-        EXPECT_TRUE(line.message.ends_with(" (0: READY, 1: SCANNING, 2: REQUESTING, 3: NOT_READY)")) << line.message;
+        EXPECT_TRUE(line.message.ends_with(" (0: READY, 1: SCANNING, 2: REQUESTING, 3: NOT_READY)"))
+            << line.message;
     }
     EXPECT_GT(lines, 8);
 }

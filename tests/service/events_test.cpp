@@ -114,8 +114,9 @@ TEST_F(ServiceEvents, OfARequestComeAfterALineWithTheTimeAndTheArguments)
         const Texts lines = Messages(INFO);
         ASSERT_EQ(lines.size(), 1U);
         EXPECT_TRUE(std::regex_match(
-            lines[0], std::regex("Current time : \\w{3} \\w{3} [ \\d]\\d \\d\\d:\\d\\d:\\d\\d \\d{4}, device address : "
-                                 "AA:BB:CC:DD:EE:01, extra data : \\{\"a\":1\\}")))
+            lines[0],
+            std::regex("Current time : \\w{3} \\w{3} [ \\d]\\d \\d\\d:\\d\\d:\\d\\d \\d{4}, device address : "
+                       "AA:BB:CC:DD:EE:01, extra data : \\{\"a\":1\\}")))
             << lines[0];
     };
     service->RequestInitiating(KeepResults(), "AA:BB:CC:DD:EE:01", "{\"a\":1}");

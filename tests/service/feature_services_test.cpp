@@ -11,7 +11,8 @@ protected:
     static bool IsNodLink() { return GetParam() == "nodlink"; }
     static Texts ScanMode()
     {
-        return IsNodLink() ? Calls("bt_adapter_le_set_customized_scan_mode") : Calls("bt_adapter_le_set_scan_mode");
+        return IsNodLink() ? Calls("bt_adapter_le_set_customized_scan_mode")
+                           : Calls("bt_adapter_le_set_scan_mode");
     }
 };
 
@@ -44,7 +45,8 @@ TEST_P(FeatureService, FollowsTheDeviceOnlyWhereItIsNodLink)
     SetBluetooth(BT_ADAPTER_ENABLED);
     simulator::AmbientPowerOff();
     simulator::Settle();
-    EXPECT_EQ(app.states, IsNodLink() ? States({LYN_STATE_NOT_READY, LYN_STATE_READY, LYN_STATE_NOT_READY}) : States());
+    EXPECT_EQ(app.states,
+              IsNodLink() ? States({LYN_STATE_NOT_READY, LYN_STATE_READY, LYN_STATE_NOT_READY}) : States());
 }
 
 TEST_P(FeatureService, ScansWithTheRadio)
@@ -97,10 +99,18 @@ TEST_P(FeatureService, AsksItsPhone)
 
 TEST_P(FeatureService, TurnsEachAnswerIntoItsResult)
 {
-    const std::vector<std::pair<std::string, int>> answers = {
-        {"Success", 0},          {"GattFail", 1},         {"NotRegisteredDevice", 2}, {"UnknownErr", 3},
-        {"CommandErr", 4},       {"NotSupported", 5},     {"Connected", 6},           {"NotTap", 8},
-        {"NotStartedKov", 9},    {"NotStartedMirroring", 10}, {"GattDisconnected", 11},   {"something else", 3}};
+    const std::vector<std::pair<std::string, int>> answers = {{"Success", 0},
+                                                              {"GattFail", 1},
+                                                              {"NotRegisteredDevice", 2},
+                                                              {"UnknownErr", 3},
+                                                              {"CommandErr", 4},
+                                                              {"NotSupported", 5},
+                                                              {"Connected", 6},
+                                                              {"NotTap", 8},
+                                                              {"NotStartedKov", 9},
+                                                              {"NotStartedMirroring", 10},
+                                                              {"GattDisconnected", 11},
+                                                              {"something else", 3}};
     Begin(GetParam());
     for (const auto& [answer, result] : answers) {
         SCOPED_TRACE(answer);
@@ -120,8 +130,9 @@ TEST_P(FeatureService, IsReleasedInOrder)
     EXPECT_EQ(app.Destroy(), LYN_ERROR_NONE);
     Texts calls = {"bt_product_deinit()"};
     if (IsNodLink()) {
-        calls.insert(calls.end(), {"bt_adapter_unset_state_changed_cb()", "device_power_unsubscribe_ambient_poweroff()",
-                                   "device_power_unsubscribe_poweroff_event()"});
+        calls.insert(calls.end(),
+                     {"bt_adapter_unset_state_changed_cb()", "device_power_unsubscribe_ambient_poweroff()",
+                      "device_power_unsubscribe_poweroff_event()"});
     }
     EXPECT_EQ(simulator::JournalText(), calls);
     EXPECT_TRUE(LogsInOrder({{INFO, "In custom deleter of IService"},

@@ -39,7 +39,8 @@ TEST_F(ManagerForwarding, ReturnsWhatTheServiceReturns)
     script.nodlinkType = -5;
     EXPECT_EQ(Manager().GetNodlinkType(m_handle), -5);
     script.errorText = "the text";
-    EXPECT_EQ(Manager().GetRequestIntiatingErrorString(m_handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS), "the text");
+    EXPECT_EQ(Manager().GetRequestIntiatingErrorString(m_handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS),
+              "the text");
 }
 
 TEST_F(ManagerForwarding, HandsTheCallbacksOn)
@@ -139,10 +140,10 @@ TEST_F(ManagerForwarding, RefusesAnEmptyResultCallback)
 
 TEST_F(ManagerForwarding, RefusesANullHandleBeforeAnEmptyCallback)
 {
-    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([] { Manager().StartScan(nullptr, nullptr); }), "service is NULL");
-    EXPECT_EQ(
-        ThrownBy<LynExceptionInvalidHandle>([] { Manager().RequestInitiating(nullptr, "id", "", nullptr); }),
-        "service is NULL");
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([] { Manager().StartScan(nullptr, nullptr); }),
+              "service is NULL");
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([] { Manager().RequestInitiating(nullptr, "id", "", nullptr); }),
+              "service is NULL");
 }
 
 TEST_F(ManagerForwarding, KeepsTheServiceToTheEndOfACallThatDestroysIt)

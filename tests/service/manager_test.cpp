@@ -120,15 +120,18 @@ TEST_F(ServiceManager, DestroysNothingForANullHandleWithoutAService)
 TEST_F(ServiceManager, DestroysNothingForAnotherHandleAndHasNoLineForIt)
 {
     int other = 0;
-    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(&other); }), "not mached service");
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(&other); }),
+              "not mached service");
     const lyn_service_h handle = Create();
     simulator::ClearLog();
-    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(&other); }), "not mached service");
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(&other); }),
+              "not mached service");
     EXPECT_TRUE(Messages(ERROR).empty());
     EXPECT_TRUE(Messages(WARN).empty());
     EXPECT_NE(script.living, nullptr);
     Manager().DestroyService(handle);
-    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(handle); }), "not mached service");
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidHandle>([&] { Manager().DestroyService(handle); }),
+              "not mached service");
 }
 
 }  // namespace

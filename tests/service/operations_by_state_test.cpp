@@ -112,9 +112,7 @@ TEST_P(EachOperation, IsAcceptedOrRefusedWhileNotReady)
 INSTANTIATE_TEST_SUITE_P(Of, EachOperation,
                          ::testing::Combine(::testing::Values("dummy", "mirroring", "nodlink", "kov"),
                                             ::testing::ValuesIn(kOperations)),
-                         [](const auto& test) {
-                             return std::get<0>(test.param) + std::get<1>(test.param).name;
-                         });
+                         [](const auto& test) { return std::get<0>(test.param) + std::get<1>(test.param).name; });
 
 }  // namespace
 }  // namespace lyn::test

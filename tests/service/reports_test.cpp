@@ -21,10 +21,7 @@ protected:
         service->OnDeviceFound(info);
     }
 
-    void Request(const std::string& mark = "result")
-    {
-        service->RequestInitiating(KeepResults(mark), "id", "");
-    }
+    void Request(const std::string& mark = "result") { service->RequestInitiating(KeepResults(mark), "id", ""); }
 
     bool RunUntilTold(std::size_t count)
     {

@@ -142,12 +142,11 @@ TEST_P(RequestPreparation, IsAllThatIsDoneWhenThePlatformRefusesToConnect)
     EXPECT_EQ(app.Request(kPhone), LYN_ERROR_OPERATION_FAILED);
     EXPECT_EQ(app.states, States({LYN_STATE_READY}));
     EXPECT_EQ(CountCalls("bt_gatt_connect"), 1);
-    EXPECT_EQ(Calls("bt_adapter_le_enable"),
-              Texts({"bt_adapter_le_enable_le_scan_performance_boost(false)",
-                     "bt_adapter_le_enable_le_scan_performance_boost(true)",
-                     "bt_adapter_le_enable_le_scan_performance_boost(false)"}));
-    EXPECT_TRUE(LogsInOrder(
-        {{ERROR, "fail to RequestInitiating"}, {ERROR, "exception: fail to RequestInitiating"}}));
+    EXPECT_EQ(Calls("bt_adapter_le_enable"), Texts({"bt_adapter_le_enable_le_scan_performance_boost(false)",
+                                                    "bt_adapter_le_enable_le_scan_performance_boost(true)",
+                                                    "bt_adapter_le_enable_le_scan_performance_boost(false)"}));
+    EXPECT_TRUE(
+        LogsInOrder({{ERROR, "fail to RequestInitiating"}, {ERROR, "exception: fail to RequestInitiating"}}));
     simulator::Settle();
     EXPECT_TRUE(app.results.empty());
     EXPECT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
@@ -178,7 +177,8 @@ TEST_P(RequestPreparation, LogsTheRequestWithTheTime)
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, RequestPreparation,
-                         ::testing::Values(Advertiser{"mirroring", kMirroringTrigger}, Advertiser{"kov", kKovTrigger}),
+                         ::testing::Values(Advertiser{"mirroring", kMirroringTrigger},
+                                           Advertiser{"kov", kKovTrigger}),
                          [](const auto& test) { return std::string(test.param.service); });
 
 using NodLinkRequestPreparation = AppTest;

@@ -51,10 +51,24 @@ TEST_F(ResultNames, AreTheTextsOfResults)
 
 TEST_F(ResultNames, AreComparedExactly)
 {
-    const Texts others = {"",         "success",      "SUCCESS",        " Success",      "Success ",
-                          "Success\n", "Succes",      "Successs",       "Reserved",      "Not_Tap",
-                          "gattFail", "NotStarted",  "{\"a\":1}",      "7",             "Connected\t",
-                          std::string("Success\0", 8), std::string("\0", 1), std::string(100000, 'S')};
+    const Texts others = {"",
+                          "success",
+                          "SUCCESS",
+                          " Success",
+                          "Success ",
+                          "Success\n",
+                          "Succes",
+                          "Successs",
+                          "Reserved",
+                          "Not_Tap",
+                          "gattFail",
+                          "NotStarted",
+                          "{\"a\":1}",
+                          "7",
+                          "Connected\t",
+                          std::string("Success\0", 8),
+                          std::string("\0", 1),
+                          std::string(100000, 'S')};
     for (const std::string& other : others) {
         SCOPED_TRACE(other.substr(0, 20));
         simulator::ClearLog();
@@ -78,7 +92,8 @@ TEST_F(ResultNames, DoNotExistForOtherValues)
 
 TEST_F(ResultNames, NeedNoParts)
 {
-    EXPECT_EQ(service->GetRequestIntiatingErrorString(LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_KOV), "NotStartedKov");
+    EXPECT_EQ(service->GetRequestIntiatingErrorString(LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_KOV),
+              "NotStartedKov");
     EXPECT_EQ(service->ConvertResultToErrCode("Connected"), LYN_REQUEST_INITIATING_RESULT_CONNECTED);
 }
 

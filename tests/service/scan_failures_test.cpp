@@ -70,7 +70,10 @@ class AdvertisementOf : public AppTest, public ::testing::WithParamInterface<Adv
 protected:
     AdvertisementOf() { Begin(GetParam().service); }
 
-    lyn_error_e Start(int interval) { return lyn_start_advertise(app.handle, static_cast<lyn_adv_interval_e>(interval)); }
+    lyn_error_e Start(int interval)
+    {
+        return lyn_start_advertise(app.handle, static_cast<lyn_adv_interval_e>(interval));
+    }
 
     static std::string Write(int interval)
     {
@@ -81,9 +84,11 @@ protected:
 TEST_P(AdvertisementOf, HasTheIntervalOfItsEnumerator)
 {
     Texts writes;
-    for (const auto& [interval, value] : std::vector<std::pair<int, int>>{
-             {LYN_ADV_INTERVAL_50, 50}, {LYN_ADV_INTERVAL_100, 100}, {LYN_ADV_INTERVAL_150, 150},
-             {LYN_ADV_INTERVAL_200, 200}, {LYN_ADV_INTERVAL_300, 300}}) {
+    for (const auto& [interval, value] : std::vector<std::pair<int, int>>{{LYN_ADV_INTERVAL_50, 50},
+                                                                          {LYN_ADV_INTERVAL_100, 100},
+                                                                          {LYN_ADV_INTERVAL_150, 150},
+                                                                          {LYN_ADV_INTERVAL_200, 200},
+                                                                          {LYN_ADV_INTERVAL_300, 300}}) {
         EXPECT_EQ(Start(interval), LYN_ERROR_NONE);
         writes.push_back(Write(value));
         EXPECT_EQ(simulator::IntSetting(GetParam().key), value);
@@ -130,7 +135,8 @@ TEST_P(AdvertisementOf, GoesOnDuringAScan)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, AdvertisementOf,
-                         ::testing::Values(Advertiser{"mirroring", kMirroringTrigger}, Advertiser{"kov", kKovTrigger}),
+                         ::testing::Values(Advertiser{"mirroring", kMirroringTrigger},
+                                           Advertiser{"kov", kKovTrigger}),
                          [](const auto& test) { return std::string(test.param.service); });
 
 using NodLinkAdvertisement = AppTest;

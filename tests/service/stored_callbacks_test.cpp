@@ -102,7 +102,8 @@ TEST_P(StoredCallback, OfAResultIsReplacedByARefusedRequestWithExtraData)
 TEST_P(StoredCallback, IsKeptWhenACallIsRefusedForItsArguments)
 {
     ASSERT_EQ(Request(m_first), LYN_ERROR_NONE);
-    EXPECT_EQ(lyn_request_initiating(app.handle, nullptr, Receiver::Result, &m_second), LYN_ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(lyn_request_initiating(app.handle, nullptr, Receiver::Result, &m_second),
+              LYN_ERROR_INVALID_PARAMETER);
     EXPECT_EQ(lyn_request_initiating(nullptr, kPhone, Receiver::Result, &m_second), LYN_ERROR_INVALID_HANDLE);
     EXPECT_EQ(lyn_request_initiating(&m_second, kPhone, Receiver::Result, &m_second), LYN_ERROR_INVALID_PARAMETER);
     ASSERT_TRUE(RunUntilHeard(m_first));

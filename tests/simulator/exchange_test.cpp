@@ -103,11 +103,13 @@ TEST_F(Exchange, AWriteFailsWhenThePhoneHangsUpBeforeItsCompletion)
     answer.beforeCompletion = true;
     AddPhone(AnsweringPhone({answer}));
     Peer peer;
-    peer.Listen();
+    std::size_t reportsBefore = 0;
+    peer.onWritten = [&] { reportsBefore = peer.link.reports.size(); };
     peer.Write("hello");
     Settle();
     ASSERT_EQ(peer.completions.size(), 1U);
     EXPECT_NE(peer.completions[0], 0);
+    EXPECT_EQ(reportsBefore, 2U) << "the loss is reported first";
 }
 
 TEST_F(Exchange, AnswersComeInOrderAndTheLastStays)

@@ -11,9 +11,10 @@ namespace {
 Line Split(const simulator::LogLine& line)
 {
     const std::size_t colon = line.text.find(": ");
-    const std::size_t bracket = line.text.find('(', colon);
-    const std::size_t arrow = line.text.find(") > ", bracket);
-    if (colon == std::string::npos || bracket == std::string::npos || arrow == std::string::npos) {
+    const std::size_t arrow = line.text.find(") > ", colon);
+    const std::size_t bracket = line.text.rfind('(', arrow);  // "operator()" has brackets of its own.
+    if (colon == std::string::npos || arrow == std::string::npos || bracket == std::string::npos ||
+        bracket < colon) {
         return {line.priority, "", "", line.text};
     }
     return {line.priority, line.text.substr(0, colon), line.text.substr(colon + 2, bracket - colon - 2),

@@ -72,7 +72,8 @@ bool CGattCharacteristic::write(std::string value, CharacteristicWriteCompletedC
         return false;
     }
     m_WrietCompletedCb = std::move(cb);
-    if (bt_gatt_client_write_value(m_hCharacteristic, WriteCompletedTrampoline, m_Live.UserData()) != PLATFORM_OK) {
+    if (bt_gatt_client_write_value(m_hCharacteristic, WriteCompletedTrampoline, m_Live.UserData()) !=
+        PLATFORM_OK) {
         LYN_LOGE("%s", "fail to bt_gatt_client_write_value");
         m_WrietCompletedCb = nullptr;
         return false;
@@ -149,9 +150,8 @@ void CGattCharacteristic::WriteCompletedTrampoline(int result, bt_gatt_h handle,
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattCharacteristic>(userData, [&](CGattCharacteristic& characteristic) {
-        characteristic.OnWriteCompleted(result, handle);
-    });
+    CallLocked<CGattCharacteristic>(
+        userData, [&](CGattCharacteristic& characteristic) { characteristic.OnWriteCompleted(result, handle); });
 }
 
 }  // namespace lyn

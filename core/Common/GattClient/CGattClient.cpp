@@ -26,8 +26,8 @@ void DeleteService(CGattService* service)
 
 CGattClient::~CGattClient() = default;
 
-bool CGattClient::Init(ConnectionStateChangedCb connectionStateChangedCb, CharacteristicValueChangedCb valueChangedCb,
-                       const GattUuidMap& uuidMap)
+bool CGattClient::Init(ConnectionStateChangedCb connectionStateChangedCb,
+                       CharacteristicValueChangedCb valueChangedCb, const GattUuidMap& uuidMap)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     m_ConnectionStateChangedCb = std::move(connectionStateChangedCb);
@@ -79,7 +79,7 @@ void CGattClient::DestroyPlatformClient()
 bool CGattClient::Connect(const std::string& address)
 {
     std::string remoteAddress = address;  // What needs memory comes before what cannot be undone.
-    m_ConnectAddress = address;
+    m_ConnectAddress = std::make_shared<const std::string>(address);
     m_RemoteAddress.clear();
     m_GattRetryCount = 0;
     if (RegisterConnectionState() != PLATFORM_OK) {
@@ -100,7 +100,8 @@ bool CGattClient::RetryConnect(const std::string& address)
     if (m_GattRetryCount < m_MaxGattRetryCount) {
         ++m_GattRetryCount;
         if (bt_gatt_connect(address.c_str(), false) == PLATFORM_OK) {
-            LYN_LOGE("133 error, try again, m_GattRetryCount : %d, address : %s ", m_GattRetryCount, address.c_str());
+            LYN_LOGE("133 error, try again, m_GattRetryCount : %d, address : %s ", m_GattRetryCount,
+                     address.c_str());
             return true;
         }
     }
@@ -273,8 +274,9 @@ void CGattClient::ConnectionStateTrampoline(int result, bool connected, const ch
         return;
     }
     CallLocked<CGattClient>(userData, [&](CGattClient& client) {
-        if (client.m_ConnectAddress == address) {
-            client.OnConnectionStateChanged(result, connected, client.m_ConnectAddress);
+        const std::shared_ptr<const std::string> known = client.m_ConnectAddress;
+        if (known && *known == address) {
+            client.OnConnectionStateChanged(result, connected, *known);
         } else {
             client.OnConnectionStateChanged(result, connected, address);
         }

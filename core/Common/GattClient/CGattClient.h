@@ -65,7 +65,7 @@ private:
     std::map<std::string, std::shared_ptr<CGattService>> m_GattServices;
     GattUuidMap m_GattUuidMap;
     std::string m_RemoteAddress;
-    std::string m_ConnectAddress;  ///< Of the last Connect(), kept so that a report needs no memory.
+    std::shared_ptr<const std::string> m_ConnectAddress;  ///< Of the last Connect(): a report needs no memory.
     int m_GattRetryCount = 0;
     int m_MaxGattRetryCount = 5;
     LiveObject<CGattClient> m_Live{this};

@@ -31,7 +31,8 @@ int ReadP2PListenChannelSetting()
     for (int attempt = 1; attempt <= MAX_TRIES; ++attempt) {
         LYN_LOGI("try : %d", attempt);
         if (vconf_get_int(KEY_LISTEN_CHANNEL, &value) != PLATFORM_OK) {
-            LogAndThrow<LynExceptionInternal>("fail to get memory/menu/network/screenmirroring/p2p_listen_channel");
+            LogAndThrow<LynExceptionInternal>(
+                "fail to get memory/menu/network/screenmirroring/p2p_listen_channel");
         }
         if (value != P2P_LISTEN_STOPPED) {
             return value;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AdvertisingData.h"
 
+#include <algorithm>
+
 namespace lyn::simulator {
 
 namespace {
@@ -12,9 +14,14 @@ constexpr std::uint8_t kNodLinkPhoneKind = 13;
 constexpr std::uint8_t kNodLinkAvKind = 4;
 constexpr std::size_t kNodLinkLength = 14;
 
-void Append(Bytes& out, const Bytes& more)
+/// Bytes, and more bytes or a text behind them.
+template <typename Tail>
+Bytes Joined(const Bytes& head, const Tail& tail)
 {
-    out.insert(out.end(), more.begin(), more.end());
+    Bytes joined(head.size() + tail.size());
+    const auto behind = std::copy(head.begin(), head.end(), joined.begin());
+    std::copy(tail.begin(), tail.end(), behind);
+    return joined;
 }
 
 std::uint8_t Marker(Feature feature)
@@ -32,9 +39,7 @@ std::uint8_t Marker(Feature feature)
 
 Bytes WithFlags(const Bytes& manufacturerValue)
 {
-    Bytes packet = AdStructure(kFlagsType, {0x06});
-    Append(packet, ManufacturerData(kPhoneCompany, manufacturerValue));
-    return packet;
+    return Joined(AdStructure(kFlagsType, {0x06}), ManufacturerData(kPhoneCompany, manufacturerValue));
 }
 
 }  // namespace
@@ -77,16 +82,13 @@ Bytes AdStructure(std::uint8_t type, const Bytes& value)
     if (value.size() > kMaxStructureValue) {
         throw std::invalid_argument("an advertising structure holds at most 254 bytes");
     }
-    Bytes structure{static_cast<std::uint8_t>(value.size() + 1), type};
-    Append(structure, value);
-    return structure;
+    return Joined({static_cast<std::uint8_t>(value.size() + 1), type}, value);
 }
 
 Bytes ManufacturerData(std::uint16_t company, const Bytes& value)
 {
-    Bytes withCompany{static_cast<std::uint8_t>(company & 0xFF), static_cast<std::uint8_t>(company >> 8)};
-    Append(withCompany, value);
-    return AdStructure(kManufacturerDataType, withCompany);
+    const Bytes identifier{static_cast<std::uint8_t>(company & 0xFF), static_cast<std::uint8_t>(company >> 8)};
+    return AdStructure(kManufacturerDataType, Joined(identifier, value));
 }
 
 Bytes PhoneAdvertising(Feature feature, const std::string& uniqueId)
@@ -94,16 +96,12 @@ Bytes PhoneAdvertising(Feature feature, const std::string& uniqueId)
     if (uniqueId.size() != kUniqueIdLength) {
         throw std::invalid_argument("a unique id has 22 bytes");
     }
-    Bytes value{0x01, Marker(feature)};
-    value.insert(value.end(), uniqueId.begin(), uniqueId.end());
-    return WithFlags(value);
+    return WithFlags(Joined({0x01, Marker(feature)}, uniqueId));
 }
 
 Bytes PhoneScanResponse(Feature feature, const std::string& name)
 {
-    Bytes value{0x01, Marker(feature)};
-    value.insert(value.end(), name.begin(), name.end());
-    return ManufacturerData(kPhoneCompany, value);
+    return ManufacturerData(kPhoneCompany, Joined({0x01, Marker(feature)}, name));
 }
 
 Bytes NodLinkPhoneAdvertising(bool mirroringAvailable, bool version3)

@@ -128,16 +128,16 @@ void Exchange::Act(const Target& target, const Answer& answer, bt_gatt_h charact
             PostCompletion(characteristic, completion, 0, 0);
         }
         PostNotifications(target, answer);
-        break;
+        if (answer.beforeCompletion) {
+            PostCompletion(characteristic, completion, 0, answer.delayMs);
+        }
+        return;
     case Answer::Kind::disconnect:
         if (!answer.beforeCompletion) {
             PostCompletion(characteristic, completion, 0, 0);
         }
-        PostDrop(target, answer);
-        break;
-    }
-    if (answer.beforeCompletion) {
-        PostCompletion(characteristic, completion, 0, answer.delayMs);
+        PostDrop(target, answer, characteristic, completion);
+        return;
     }
 }
 
@@ -156,15 +156,20 @@ void Exchange::PostNotifications(const Target& target, const Answer& answer)
     }
 }
 
-void Exchange::PostDrop(const Target& target, const Answer& answer)
+void Exchange::PostDrop(const Target& target, const Answer& answer, bt_gatt_h characteristic,
+                        const Completion& completion)
 {
-    m_simulator.loop.Post(Loop::Kind::awaited, answer.delayMs,
-                          [this, address = target.address, link = target.link, code = answer.code] {
-                              const std::lock_guard lock(m_simulator.mutex);
-                              if (m_simulator.links.Up(address, link) != nullptr) {
-                                  m_simulator.links.Lose(address, code);
-                              }
-                          });
+    m_simulator.loop.Post(
+        Loop::Kind::awaited, answer.delayMs,
+        [this, target, code = answer.code, before = answer.beforeCompletion, characteristic, completion] {
+            const std::lock_guard lock(m_simulator.mutex);
+            if (m_simulator.links.Up(target.address, target.link) != nullptr) {
+                m_simulator.links.Lose(target.address, code);
+            }
+            if (before) {
+                PostCompletion(characteristic, completion, 0, 0);
+            }
+        });
 }
 
 void Exchange::Complete(bt_gatt_h characteristic, const Completion& completion, int result)

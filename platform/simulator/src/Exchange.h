@@ -32,7 +32,8 @@ private:
     void Act(const Target& target, const Answer& answer, bt_gatt_h characteristic, const Completion& completion);
     void PostCompletion(bt_gatt_h characteristic, const Completion& completion, int result, int delayMs);
     void PostNotifications(const Target& target, const Answer& answer);
-    void PostDrop(const Target& target, const Answer& answer);
+    void PostDrop(const Target& target, const Answer& answer, bt_gatt_h characteristic,
+                  const Completion& completion);
 
     // Steps on the main loop, without the lock.
     void EndMtuRequest(bt_gatt_client_h handle, unsigned mtu);

@@ -48,7 +48,7 @@ Bytes ParseStructures(const JsonField& field)
 
 std::string ParseName(const JsonField& field)
 {
-    const std::string name = field.Text();
+    std::string name = field.Text();
     if (name.size() > kMaxName) {
         field.Fail("holds at most " + std::to_string(kMaxName) + " bytes");
     }
