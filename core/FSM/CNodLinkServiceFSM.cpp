@@ -39,7 +39,7 @@ lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
 
 void CNodLinkServiceFSM::OnDeviceEnableStateChaned(bool enabled)
 {
-    const auto lock = LockEvents();
+    const EventScope scope(*this);
     TransitState(enabled ? LYN_STATE_READY : LYN_STATE_NOT_READY);
 }
 

@@ -90,14 +90,43 @@ lyn_state_e CServiceFSM::GetCurrentState() const
     return state;
 }
 
-std::unique_lock<std::recursive_mutex> CServiceFSM::LockEvents()
+CServiceFSM::EventScope::EventScope(CServiceFSM& fsm) : m_Fsm(fsm)
 {
-    return std::unique_lock(m_EventMutex);
+    m_Fsm.m_EventMutex.lock();
+    if (++m_Fsm.m_EventDepth == 1) {
+        m_Fsm.m_pOutermostEvent = this;
+        m_Fsm.m_EventThread = std::this_thread::get_id();
+    }
+}
+
+CServiceFSM::EventScope::~EventScope()
+{
+    Release();
+}
+
+void CServiceFSM::EventScope::Release()
+{
+    if (m_bReleased) {
+        return;
+    }
+    m_bReleased = true;
+    if (--m_Fsm.m_EventDepth == 0) {
+        m_Fsm.m_pOutermostEvent = nullptr;
+        m_Fsm.m_EventThread = std::thread::id();
+    }
+    m_Fsm.m_EventMutex.unlock();
+}
+
+void CServiceFSM::ReleaseOutermostEvent()
+{
+    if (m_EventThread.load() == std::this_thread::get_id() && m_EventDepth == 1) {
+        m_pOutermostEvent->Release();
+    }
 }
 
 void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
 {
-    const auto lock = LockEvents();
+    const EventScope scope(*this);
     const auto state = m_StateMap.find(GetCurrentState());
     if (state == m_StateMap.end()) {
         RefuseEvent();
@@ -122,6 +151,7 @@ void CServiceFSM::TransitState(lyn_state_e state)
     LYN_LOGW("transit to %d from %d %s", state, m_CurrentState.load(), STATE_LEGEND);
     m_CurrentState = state;
     ++m_Transitions;
+    ReleaseOutermostEvent();
     m_StateChangedCb(state);
 }
 

@@ -17,6 +17,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <thread>
 
 #include "FSM/IServiceFSM.h"
 
@@ -51,9 +52,22 @@ protected:
     using EventHandler = void (CServiceFSM::*)(const EventArgPtr&);
     using EventMap = std::map<LynFsmEvent, EventHandler>;
 
-    /// Held during an event or a move from outside: they come one at a time, whichever threads they come
-    /// from, so that no work runs in a state that is left meanwhile. The same thread may nest events.
-    std::unique_lock<std::recursive_mutex> LockEvents();
+    /// An event, or a move from outside, of this thread, which may nest them. They come one at a time from
+    /// the look at the state to the writing of the next one, whichever threads they come from, so that no
+    /// work runs in a state that is left meanwhile. The report of a state does not keep other events waiting.
+    class EventScope {
+    public:
+        explicit EventScope(CServiceFSM& fsm);
+        ~EventScope();
+        EventScope(const EventScope&) = delete;
+        EventScope& operator=(const EventScope&) = delete;
+
+        void Release();
+
+    private:
+        CServiceFSM& m_Fsm;
+        bool m_bReleased = false;
+    };
 
     bool InitStateMap();
     bool DeinitStateMap();
@@ -64,7 +78,12 @@ protected:
     std::mutex m_Mutex;
 
 private:
+    void ReleaseOutermostEvent();
+
     std::recursive_mutex m_EventMutex;
+    std::atomic<std::thread::id> m_EventThread{};  ///< The thread that holds m_EventMutex, which guards the rest.
+    EventScope* m_pOutermostEvent = nullptr;
+    int m_EventDepth = 0;
     unsigned int m_Transitions = 0;
 };
 

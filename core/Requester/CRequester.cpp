@@ -43,6 +43,7 @@ bool CRequester::RequestInitiating(const std::string& deviceAddress, const std::
     m_ExtraData = extraData;
     // What an exchange that never came to its result may have left behind.
     m_bRequestDone = false;
+    m_NotifyResultFunc = nullptr;
     DisarmTimeout();
     m_GattClient.reset(new CGattClient);
     m_GattClient->Init(

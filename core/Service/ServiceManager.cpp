@@ -30,7 +30,11 @@ void CheckHandle(lyn_service_h handle, const char* function = __builtin_FUNCTION
 
 CServiceManager::CServiceManager() = default;
 
-CServiceManager::~CServiceManager() = default;
+// An object that is destroyed after this one may still call: it finds no service.
+CServiceManager::~CServiceManager()
+{
+    m_pService.reset();
+}
 
 CServiceManager& CServiceManager::GetInstance()
 {
