@@ -14,7 +14,8 @@ namespace {
 void OnFound(const lyn_device_info_t* info, void* userData)
 {
     using lyn::fuzz::Require;
-    Require(info->address != nullptr && info->unique_id != nullptr && info->extra_data != nullptr, "texts are there");
+    Require(info->address != nullptr && info->unique_id != nullptr && info->extra_data != nullptr,
+            "texts are there");
     Require(info->name == nullptr || *info->name != '\0', "an empty name is absent");
     if (std::strcmp(FUZZ_SERVICE, "mirroring") == 0 && info->name != nullptr) {
         Require(g_utf8_validate(info->name, -1, nullptr) != FALSE, "a name is valid UTF-8");

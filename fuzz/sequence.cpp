@@ -15,9 +15,14 @@ using namespace lyn;
 constexpr std::array<const char*, 4> SERVICES = {"dummy", "mirroring", "nodlink", "kov"};
 constexpr std::array<const char*, 4> ADDRESSES = {"AA:00:00:00:00:01", "AA:00:00:00:00:02", "AA:00:00:00:00:03",
                                                   "AA:00:00:00:00:04"};
-constexpr std::array<const char*, 8> FALLIBLE = {
-    "bt_gatt_connect",          "bt_gatt_client_create",   "bt_gatt_client_get_service", "bt_gatt_set_value",
-    "bt_gatt_client_write_value", "bt_adapter_le_start_scan", "bt_adapter_le_stop_scan",  "vconf_set_int"};
+constexpr std::array<const char*, 8> FALLIBLE = {"bt_gatt_connect",
+                                                 "bt_gatt_client_create",
+                                                 "bt_gatt_client_get_service",
+                                                 "bt_gatt_set_value",
+                                                 "bt_gatt_client_write_value",
+                                                 "bt_adapter_le_start_scan",
+                                                 "bt_adapter_le_stop_scan",
+                                                 "vconf_set_int"};
 
 class Player {
 public:
@@ -57,33 +62,68 @@ private:
     void Step()
     {
         switch (m_input.TakeByte() % 20) {
-        case 0: Create(); break;
-        case 1: Destroy(); break;
-        case 2: lyn_start_scan(m_handle, OnFound, this); break;
-        case 3: lyn_start_scan_with_serialization(m_handle, OnJson, this); break;
-        case 4: lyn_stop_scan(m_handle); break;
+        case 0:
+            Create();
+            break;
+        case 1:
+            Destroy();
+            break;
+        case 2:
+            lyn_start_scan(m_handle, OnFound, this);
+            break;
+        case 3:
+            lyn_start_scan_with_serialization(m_handle, OnJson, this);
+            break;
+        case 4:
+            lyn_stop_scan(m_handle);
+            break;
         case 5:
-        case 6: Request(); break;
-        case 7: lyn_start_advertise(m_handle, static_cast<lyn_adv_interval_e>(m_input.TakeByte() - 2)); break;
-        case 8: lyn_stop_advertise(m_handle); break;
-        case 9: lyn_set_nodlink_version(m_handle, (m_input.TakeByte() & 1U) != 0 ? "2.0" : "3.0"); break;
-        case 10: ReadBack(); break;
-        case 11: simulator::SetAdapterState(BT_ADAPTER_DISABLED); break;
-        case 12: simulator::SetAdapterState(BT_ADAPTER_ENABLED); break;
-        case 13: simulator::PowerOff((m_input.TakeByte() & 1U) != 0 ? 0x40000000U : 0U); break;
-        case 14: simulator::AmbientPowerOff(); break;
-        case 15: simulator::RemovePhone(TakeAddress()); break;
-        case 16: test::ElapseTimeout(); break;
-        case 17: simulator::FailCall(FALLIBLE[m_input.TakeByte() % FALLIBLE.size()], -1); break;
-        case 18: m_onReport = m_input.TakeByte(); break;
-        default: simulator::Settle(); break;
+        case 6:
+            Request();
+            break;
+        case 7:
+            lyn_start_advertise(m_handle, static_cast<lyn_adv_interval_e>(m_input.TakeByte() - 2));
+            break;
+        case 8:
+            lyn_stop_advertise(m_handle);
+            break;
+        case 9:
+            lyn_set_nodlink_version(m_handle, (m_input.TakeByte() & 1U) != 0 ? "2.0" : "3.0");
+            break;
+        case 10:
+            ReadBack();
+            break;
+        case 11:
+            simulator::SetAdapterState(BT_ADAPTER_DISABLED);
+            break;
+        case 12:
+            simulator::SetAdapterState(BT_ADAPTER_ENABLED);
+            break;
+        case 13:
+            simulator::PowerOff((m_input.TakeByte() & 1U) != 0 ? 0x40000000U : 0U);
+            break;
+        case 14:
+            simulator::AmbientPowerOff();
+            break;
+        case 15:
+            simulator::RemovePhone(TakeAddress());
+            break;
+        case 16:
+            test::ElapseTimeout();
+            break;
+        case 17:
+            simulator::FailCall(FALLIBLE[m_input.TakeByte() % FALLIBLE.size()], -1);
+            break;
+        case 18:
+            m_onReport = m_input.TakeByte();
+            break;
+        default:
+            simulator::Settle();
+            break;
         }
     }
 
-    void Create()
-    {
-        lyn_create_service(&m_handle, SERVICES[m_input.TakeByte() % SERVICES.size()], OnState, this);
-    }
+    void Create() { lyn_create_service(&m_handle, SERVICES[m_input.TakeByte() % SERVICES.size()], OnState, this); }
 
     void Destroy()
     {
@@ -135,7 +175,10 @@ private:
             player.Destroy();
         }
     }
-    static void OnFound(const lyn_device_info_t* /*info*/, void* userData) { static_cast<Player*>(userData)->React(); }
+    static void OnFound(const lyn_device_info_t* /*info*/, void* userData)
+    {
+        static_cast<Player*>(userData)->React();
+    }
     static void OnJson(const char* /*json*/, void* userData) { static_cast<Player*>(userData)->React(); }
     static void OnResult(lyn_request_initiating_result_e /*result*/, void* userData)
     {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <ctime>
 #include <memory>
+#include <mutex>
 
 #include "Common/Failure.h"
 #include "Common/PlatformCodes.h"
@@ -26,6 +27,8 @@ constexpr int FIRST_FREQUENCY_ABOVE_2_4GHZ = 2496;
 
 // The last value that the platform accepted.
 std::atomic<bool> s_BoostEnabled{false};
+// One switch at a time: else the flag could come to say what the platform was not told last.
+std::mutex s_BoostMutex;
 
 // An absent key counts as 0.
 int ReadSetting(const char* key)
@@ -80,6 +83,7 @@ bool IsAcmWorkOn2_4Ghz()
 
 void SetBtPerformanceBoost(bool enable)
 {
+    const std::lock_guard lock(s_BoostMutex);
     if (enable == s_BoostEnabled) {
         LYN_LOGI("already %d", static_cast<int>(enable));
         return;

@@ -239,7 +239,11 @@ gboolean CRequester::OnTimeout(gpointer userData)
         LYN_LOGE("%s", "data is nullptr");
         return G_SOURCE_REMOVE;
     }
-    CallLocked<CRequester>(userData, [](CRequester& requester) { requester.DisconnectGattForcelyByTimeout(); });
+    CallLocked<CRequester>(userData, [](CRequester& requester) {
+        if (requester.m_TimeoutSourceId > 0) {  // Else disarmed by another thread at the last moment.
+            requester.DisconnectGattForcelyByTimeout();
+        }
+    });
     return G_SOURCE_REMOVE;
 }
 

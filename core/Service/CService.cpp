@@ -239,6 +239,11 @@ void CService::OnRequestInitiating(const std::string& deviceId, const std::strin
     if (!m_pRequester) {
         LogAndThrow<LynExceptionInternal>("m_pRequester is NULL");
     }
+    // A request of a destroyed service would take the slot for links from the one that has come after it.
+    const auto lock = LockLiveObjects();
+    if (m_bRetired) {
+        LogAndThrow<LynExceptionInvalidState>("Invalid State");
+    }
     if (!m_pRequester->RequestInitiating(deviceId, extraData)) {
         LogAndThrow<LynExceptionOperationFailed>("fail to RequestInitiating");
     }
@@ -262,6 +267,8 @@ void CService::OnDeviceFound(const lyn_device_info_t& info)
 
 void CService::StopReports()
 {
+    const auto lock = LockLiveObjects();
+    m_bRetired = true;
     m_pReports->Stop();
 }
 

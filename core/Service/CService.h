@@ -101,6 +101,7 @@ private:
     std::shared_ptr<IScanner> m_pScanner;
     std::unique_ptr<IRequester, RequesterDeleter> m_pRequester;
     std::shared_ptr<const RequestResultMap> m_ResultMap;
+    bool m_bRetired = false;  ///< Guarded by the lock on live objects.
 };
 
 }  // namespace lyn

@@ -105,6 +105,16 @@ TEST_F(StateMachine, ReportsReadyTwiceWhenTheScanStopsInsideItsStop)
                                      TransitLine(LYN_STATE_READY, LYN_STATE_READY)}));
 }
 
+TEST_F(StateMachine, IsNotTakenToScanningWhenTheWorkOfAScanHasAlreadyMovedIt)
+{
+    machine->Init(KeepReports());
+    const auto request = [&] { machine->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING, Work()); };
+    machine->ProcessEvent(LYN_FSM_EVENT_START_SCAN, std::make_shared<EventArg>(request));
+    EXPECT_EQ(reports, States({LYN_STATE_REQUESTING})) << "the request would never end otherwise";
+    machine->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, nullptr);
+    EXPECT_EQ(reports, States({LYN_STATE_REQUESTING, LYN_STATE_READY}));
+}
+
 TEST_F(StateMachine, RefusesEveryEventAfterItsDeinitAndKeepsItsState)
 {
     for (const lyn_state_e state : kStates) {

@@ -82,6 +82,15 @@ TEST_F(DummyService, ReportsReadyRequestingForARequestWhileReady)
     EXPECT_EQ(app.events, Texts({"state 0", "state 2", "state 0", "result 0"}));
 }
 
+TEST_F(DummyService, CanBeAskedFromInsideTheReportOfItsPhone)
+{
+    app.onPhone = [&](const FoundPhone& phone) { EXPECT_EQ(app.Request(phone.address), LYN_ERROR_NONE); };
+    EXPECT_EQ(app.StartScan(), LYN_ERROR_NONE);
+    ASSERT_TRUE(app.WaitForResult());
+    EXPECT_EQ(app.events, Texts({"phone 11:22:33:44:55:66", "state 0", "state 2", "state 0", "result 0"}));
+    EXPECT_EQ(app.StopScan(), LYN_ERROR_NONE);
+}
+
 TEST_F(DummyService, AgreesToARequestForWhateverPhone)
 {
     for (const std::string address : {"", "nothing like an address", "11:22:33:44:55:66"}) {
