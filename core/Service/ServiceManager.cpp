@@ -43,7 +43,7 @@ CServiceManager& CServiceManager::GetInstance()
     return instance;
 }
 
-void* CServiceManager::CreateService(const std::string& name, StateChangedCb cb)
+void* CServiceManager::CreateService(const std::string& name, const StateChangedCb& cb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     const std::lock_guard lock(m_Mutex);
@@ -83,7 +83,7 @@ std::shared_ptr<IService> CServiceManager::_GetService(lyn_service_h handle)
     return m_pService;
 }
 
-void CServiceManager::StartScan(lyn_service_h handle, DeviceFoundCb cb)
+void CServiceManager::StartScan(lyn_service_h handle, const DeviceFoundCb& cb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     CheckHandle(handle);
@@ -101,7 +101,7 @@ void CServiceManager::StopScan(lyn_service_h handle)
 }
 
 void CServiceManager::RequestInitiating(lyn_service_h handle, const std::string& deviceId,
-                                        const std::string& extraData, RequestInitiatingResultCb cb)
+                                        const std::string& extraData, const RequestInitiatingResultCb& cb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     CheckHandle(handle);

@@ -23,12 +23,12 @@ public:
     CServiceManager(const CServiceManager&) = delete;
     CServiceManager& operator=(const CServiceManager&) = delete;
 
-    void* CreateService(const std::string& name, StateChangedCb cb);
+    void* CreateService(const std::string& name, const StateChangedCb& cb);
     void DestroyService(lyn_service_h handle);
-    void StartScan(lyn_service_h handle, DeviceFoundCb cb);
+    void StartScan(lyn_service_h handle, const DeviceFoundCb& cb);
     void StopScan(lyn_service_h handle);
     void RequestInitiating(lyn_service_h handle, const std::string& deviceId, const std::string& extraData,
-                           RequestInitiatingResultCb cb);
+                           const RequestInitiatingResultCb& cb);
     void StartAdvertisement(lyn_service_h handle, int interval);
     void StopAdvertisement(lyn_service_h handle);
     void SetNodlinkVersion(lyn_service_h handle, const std::string& version);

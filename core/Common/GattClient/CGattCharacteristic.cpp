@@ -64,7 +64,7 @@ bool CGattCharacteristic::Deinit()
     return true;
 }
 
-bool CGattCharacteristic::write(std::string value, CharacteristicWriteCompletedCb cb)
+bool CGattCharacteristic::write(const std::string& value, CharacteristicWriteCompletedCb cb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     if (bt_gatt_set_value(m_hCharacteristic, value.c_str(), static_cast<int>(value.size())) != PLATFORM_OK) {

@@ -26,7 +26,7 @@ public:
     bool Deinit();
 
     /// Begins to write a value; its end is reported once to cb. False when it could not be begun.
-    bool write(std::string value, CharacteristicWriteCompletedCb cb);
+    bool write(const std::string& value, CharacteristicWriteCompletedCb cb);
 
     void OnCharateristicValueChaned(bt_gatt_h handle, char* value, int length);
     void OnWriteCompleted(int result, bt_gatt_h handle);
