@@ -36,7 +36,7 @@ CServiceManager& CServiceManager::GetInstance()
     return instance;
 }
 
-void* CServiceManager::CreateService(const std::string& /*name*/, StateChangedCb /*cb*/)
+void* CServiceManager::CreateService(const std::string& /*name*/, const StateChangedCb& /*cb*/)
 {
     g_work();
     return this;
@@ -47,7 +47,7 @@ void CServiceManager::DestroyService(lyn_service_h /*handle*/)
     g_work();
 }
 
-void CServiceManager::StartScan(lyn_service_h /*handle*/, DeviceFoundCb /*cb*/)
+void CServiceManager::StartScan(lyn_service_h /*handle*/, const DeviceFoundCb& /*cb*/)
 {
     g_work();
 }
@@ -58,7 +58,7 @@ void CServiceManager::StopScan(lyn_service_h /*handle*/)
 }
 
 void CServiceManager::RequestInitiating(lyn_service_h /*handle*/, const std::string& /*deviceId*/,
-                                        const std::string& /*extraData*/, RequestInitiatingResultCb /*cb*/)
+                                        const std::string& /*extraData*/, const RequestInitiatingResultCb& /*cb*/)
 {
     g_work();
 }
