@@ -12,7 +12,6 @@
  *    that is lost is reported once as (code, false).
  *  - A report belongs to the registration that was in force when its connect was accepted. If that
  *    registration has been unset or replaced since, the report is dropped.
- *  - Reports name the phone as bt_gatt_connect() was told, letter for letter.
  *  - A connect to a phone whose old link is still going down is accepted, and begins when it is down.
  */
 #ifndef LYN_PLATFORM_GATT_H
