@@ -54,6 +54,19 @@ TEST_F(LogCapture, BeginsAnewWithAReset)
     EXPECT_EQ(Log()[0].text, "kept");
 }
 
+TEST_F(LogCapture, TellsAListenerEveryLineWhateverIsKept)
+{
+    std::vector<std::string> heard;
+    SetLogListener([&](const LogLine& line) { heard.push_back(line.tag + " " + line.text); });
+    SetLogCapture(7);
+    platform_log_print(0, 3, "TAG", "%d", 1);
+    Reset();
+    platform_log_print(0, 6, "TAG", "%d", 2);
+    SetLogListener(nullptr);
+    platform_log_print(0, 6, "TAG", "%d", 3);
+    EXPECT_EQ(heard, (std::vector<std::string>{"TAG 1", "TAG 2"}));
+}
+
 class KernelLogCapture : public SimulatorTest {
 protected:
     static ssize_t WriteLine(const std::string& line)

@@ -79,6 +79,11 @@ void SetLogCapture(int lowestPriority)
     LogBook::Instance().Keep(lowestPriority);
 }
 
+void SetLogListener(const std::function<void(const LogLine&)>& listener)
+{
+    LogBook::Instance().Tell(listener);
+}
+
 void SetKernelLogMode(KernelLogMode mode)
 {
     Simulator& simulator = Simulator::Started();

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <utility>
 
 namespace lyn::simulator {
 
@@ -88,11 +89,14 @@ void LogBook::Print(int priority, const char* tag, const char* format, std::va_l
 {
     const bool keep = priority >= m_kept;
     const bool show = priority >= m_shown;
-    if (!keep && !show) {
+    if (!keep && !show && !m_heard) {
         return;
     }
     LogLine line{priority, tag != nullptr ? tag : "", format != nullptr ? Format(format, arguments) : ""};
     const std::lock_guard lock(m_mutex);
+    if (m_listener) {
+        m_listener(line);
+    }
     if (show) {
         Show(line);
     }
@@ -120,6 +124,13 @@ void LogBook::Clear()
 void LogBook::Keep(int lowestPriority)
 {
     m_kept = lowestPriority;
+}
+
+void LogBook::Tell(std::function<void(const LogLine&)> listener)
+{
+    const std::lock_guard lock(m_mutex);
+    m_heard = static_cast<bool>(listener);
+    m_listener = std::move(listener);
 }
 
 std::vector<LogLine> LogBook::Lines()

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ public:
     void Reset();
     void Clear();
     void Keep(int lowestPriority);
+    void Tell(std::function<void(const LogLine&)> listener);
     /// Lines so far. The first call begins to keep them.
     std::vector<LogLine> Lines();
 
@@ -35,6 +37,8 @@ private:
     std::deque<LogLine> m_lines;
     std::atomic<int> m_kept;   ///< lowest priority kept
     std::atomic<int> m_shown;  ///< lowest priority shown
+    std::function<void(const LogLine&)> m_listener;
+    std::atomic<bool> m_heard{false};  ///< there is a listener
     const bool m_coloured;
 };
 

@@ -214,6 +214,9 @@ std::vector<LogLine> Log();
 void ClearLog();
 /// Keep lines of this priority and above (default 3); 7 keeps none and makes logging cheap.
 void SetLogCapture(int lowestPriority);
+/// Also gives every line to `listener` as it comes, on the thread that logs, whatever is kept; none for nobody.
+/// The listener must not log. A Reset() leaves it in place.
+void SetLogListener(const std::function<void(const LogLine&)>& listener);
 
 enum class KernelLogMode { capture, refuseOpen, failWrite };
 void SetKernelLogMode(KernelLogMode mode);
