@@ -253,6 +253,21 @@ TEST_F(NodLinkExchange, TimesOutWhenTheSecondWriteCannotBegin)
     EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
 }
 
+TEST_F(NodLinkExchange, SaysAndForgetsTheEndOfASecondWriteThatCouldNotBegin)
+{
+    simulator::FailCall("bt_gatt_client_write_value", -1, 2);
+    PhoneAnswers({Says(FgApp("full.app"))});
+    Ask();
+    const auto first = simulator::WriteRegistration(feature.characteristicUuid);
+    ASSERT_NE(first.callback, nullptr);
+    simulator::ClearLog();
+    first.callback(5, simulator::CharacteristicHandle(feature.characteristicUuid), first.userData);
+    EXPECT_EQ(Messages(ERROR), Texts{"m_WrietCompletedCb is nullptr"});
+    simulator::Settle();
+    EXPECT_TRUE(app.results.empty());
+    LetTimeOut();
+}
+
 TEST_F(NodLinkExchange, EndsAtOnceWhenThePhoneRefusesTheSecondWrite)
 {
     PhoneAnswers({Says(FgApp("full.app")), RefusesWrite(9)});

@@ -55,6 +55,36 @@ TEST_F(NodLinkAndItsDevice, MindsNoOtherPowerOff)
     EXPECT_EQ(app.StartScan(), LYN_ERROR_NONE);
 }
 
+TEST_F(NodLinkAndItsDevice, SaysAndForgetsABluetoothReportWithoutUserData)
+{
+    simulator::AdapterRegistration().callback(0, BT_ADAPTER_DISABLED, nullptr);
+    EXPECT_EQ(Messages(ERROR), Texts{"userData is nullptr"});
+    EXPECT_TRUE(app.states.empty());
+}
+
+TEST_F(NodLinkAndItsDevice, SaysAndForgetsAPowerOffWithoutUserData)
+{
+    const device_power_off_info_s info{kSuspend};
+    EXPECT_EQ(simulator::PowerOffRegistration().callback(&info, nullptr), 0);
+    EXPECT_EQ(Messages(ERROR), Texts{"userData is nullptr"});
+    EXPECT_TRUE(app.states.empty());
+}
+
+TEST_F(NodLinkAndItsDevice, SaysAndForgetsAnAmbientPowerOffWithoutUserData)
+{
+    EXPECT_EQ(simulator::AmbientPowerOffRegistration().callback(nullptr, nullptr), 0);
+    EXPECT_EQ(Messages(ERROR), Texts{"userData is nullptr"});
+    EXPECT_TRUE(app.states.empty());
+}
+
+TEST_F(NodLinkAndItsDevice, SaysAndForgetsAPowerOffThatTellsNothing)
+{
+    const auto registration = simulator::PowerOffRegistration();
+    EXPECT_EQ(registration.callback(nullptr, registration.userData), 0);
+    EXPECT_EQ(Messages(ERROR), Texts{"info is nullptr"});
+    EXPECT_TRUE(app.states.empty());
+}
+
 TEST_F(NodLinkAndItsDevice, IsToldOnTheThreadThatDelivers)
 {
     const auto registration = simulator::AdapterRegistration();
