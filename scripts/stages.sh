@@ -3,7 +3,8 @@
 #
 # The stages of ./test and how one of them is run. Sourced by ./test, in the folder of the project.
 
-# The release stage is the last one, so that its summary, of all tests, ends the output.
+# The release stage is the last one, so that its summary, of all tests, ends the output, and the path of the
+# page that they make.
 all_stages=(format build asan tsan tidy coverage release)
 
 declare -A about=(
@@ -13,7 +14,7 @@ declare -A about=(
     [tsan]="the concurrent tests under Clang's thread sanitizer"
     [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
     [coverage]="the tests execute at least 95 % of the lines of core/ and src/"
-    [release]="all tests of the optimised build"
+    [release]="all tests of the optimised build; they reach every log line, result, state and return value"
 )
 
 jobs="${JOBS:-$(nproc)}"
@@ -78,7 +79,11 @@ stage_coverage()
 
 stage_release()
 {
-    ctest --preset release -j "$jobs"
+    # What the tests have seen of the library becomes a page, and must be all that there is.
+    local reference="$PWD/build/release/reference"
+    rm -rf "$reference" && mkdir -p "$reference/seen" &&
+        LYN_TEST_SEEN="$reference/seen" ctest --preset release -j "$jobs" &&
+        tests/reference/write_page.py . "$reference/seen" "$reference/reference.md"
 }
 
 # ---- Running one -------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "lyn_simulator/simulator.h"
+#include "support/Seen.h"
 
 namespace lyn::test {
 namespace {
@@ -29,39 +30,41 @@ App::~App()
 
 lyn_error_e App::Create(const std::string& serviceName)
 {
-    return lyn_create_service(&handle, serviceName.c_str(), StateCb, this);
+    return Returned("lyn_create_service", lyn_create_service(&handle, serviceName.c_str(), StateCb, this));
 }
 
 lyn_error_e App::Destroy()
 {
     lyn_service_h destroyed = handle;
     handle = nullptr;
-    return lyn_destroy_service(destroyed);
+    return Returned("lyn_destroy_service", lyn_destroy_service(destroyed));
 }
 
 lyn_error_e App::StartScan()
 {
-    return lyn_start_scan(handle, PhoneCb, this);
+    return Returned("lyn_start_scan", lyn_start_scan(handle, PhoneCb, this));
 }
 
 lyn_error_e App::StartScanWithSerialization()
 {
-    return lyn_start_scan_with_serialization(handle, JsonCb, this);
+    return Returned("lyn_start_scan_with_serialization", lyn_start_scan_with_serialization(handle, JsonCb, this));
 }
 
 lyn_error_e App::StopScan()
 {
-    return lyn_stop_scan(handle);
+    return Returned("lyn_stop_scan", lyn_stop_scan(handle));
 }
 
 lyn_error_e App::Request(const std::string& address)
 {
-    return lyn_request_initiating(handle, address.c_str(), ResultCb, this);
+    return Returned("lyn_request_initiating", lyn_request_initiating(handle, address.c_str(), ResultCb, this));
 }
 
 lyn_error_e App::Request(const std::string& address, const std::string& extraData)
 {
-    return lyn_request_initiating_with_extra_data(handle, address.c_str(), extraData.c_str(), ResultCb, this);
+    return Returned(
+        "lyn_request_initiating_with_extra_data",
+        lyn_request_initiating_with_extra_data(handle, address.c_str(), extraData.c_str(), ResultCb, this));
 }
 
 bool App::WaitForResult()
@@ -78,6 +81,7 @@ void App::NoteLate()
 void App::StateCb(lyn_state_e state, void* userData)
 {
     auto& app = *static_cast<App*>(userData);
+    NoteValue("lyn_state_e", state, "lyn_state_changed_cb");
     app.NoteLate();
     app.states.push_back(state);
     app.events.push_back("state " + std::to_string(state));
@@ -110,6 +114,7 @@ void App::JsonCb(const char* json, void* userData)
 void App::ResultCb(lyn_request_initiating_result_e result, void* userData)
 {
     auto& app = *static_cast<App*>(userData);
+    NoteValue("lyn_request_initiating_result_e", result, "lyn_request_initiating_result_cb");
     app.NoteLate();
     app.results.push_back(result);
     app.events.push_back("result " + std::to_string(result));

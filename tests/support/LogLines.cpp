@@ -2,32 +2,28 @@
 #include "support/LogLines.h"
 
 #include <algorithm>
-
-#include "lyn_simulator/simulator.h"
+#include <cstdlib>
 
 namespace lyn::test {
-namespace {
 
-Line Split(const simulator::LogLine& line)
+Line Parse(const simulator::LogLine& line)
 {
     const std::size_t colon = line.text.find(": ");
     const std::size_t arrow = line.text.find(") > ", colon);
     const std::size_t bracket = line.text.rfind('(', arrow);  // "operator()" has brackets of its own.
     if (colon == std::string::npos || arrow == std::string::npos || bracket == std::string::npos ||
         bracket < colon) {
-        return {line.priority, "", "", line.text};
+        return {line.priority, "", "", line.text, 0};
     }
     return {line.priority, line.text.substr(0, colon), line.text.substr(colon + 2, bracket - colon - 2),
-            line.text.substr(arrow + 4)};
+            line.text.substr(arrow + 4), std::atoi(line.text.c_str() + bracket + 1)};
 }
-
-}  // namespace
 
 std::vector<Line> LogLines()
 {
     std::vector<Line> lines;
     for (const simulator::LogLine& line : simulator::Log()) {
-        lines.push_back(Split(line));
+        lines.push_back(Parse(line));
     }
     return lines;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "lyn_simulator/simulator.h"
+
 namespace lyn::test {
 
 enum Priority : int { DEBUG = 3, INFO = 4, WARN = 5, ERROR = 6 };
@@ -15,7 +17,11 @@ struct Line {
     std::string file;
     std::string function;
     std::string message;
+    int number = 0;  ///< of the source line
 };
+
+/// What stands in front of the message: "file: function(line) > "; all is message where it does not.
+Line Parse(const simulator::LogLine& line);
 
 /// All lines of the library so far, oldest first.
 std::vector<Line> LogLines();

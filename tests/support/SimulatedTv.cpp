@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/SimulatedTv.h"
 
+#include "support/Seen.h"
+
 namespace lyn::test {
 
 SimulatedTv::SimulatedTv()
 {
     simulator::Reset();
+    NoteLogLines();
 }
 
 SimulatedTv::~SimulatedTv()
@@ -14,6 +17,7 @@ SimulatedTv::~SimulatedTv()
     EXPECT_EQ(alive.clients, 0) << "GATT clients left behind";
     EXPECT_EQ(alive.productInits, 0) << "Bluetooth initialisations left behind";
     EXPECT_EQ(alive.wifiDirectInits, 0) << "Wi-Fi Direct initialisations left behind";
+    WriteSeen();
     simulator::Reset();
 }
 
