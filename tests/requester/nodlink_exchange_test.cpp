@@ -3,6 +3,8 @@
 // NodLink's exchange of two steps, and everything that a phone may say in it.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "requester/RequestTest.h"
 
 namespace lyn::test {
@@ -32,6 +34,13 @@ protected:
         nod_link_type type = -1;
         EXPECT_EQ(lyn_get_nodlink_type(app.handle, &type), LYN_ERROR_NONE);
         return type;
+    }
+
+    static Texts LastCalls(std::size_t count)
+    {
+        Texts calls = simulator::JournalText();
+        calls.erase(calls.begin(), calls.end() - static_cast<std::ptrdiff_t>(std::min(count, calls.size())));
+        return calls;
     }
 
     /// The kernel log without the lines of the scanner, which is stopped before the request.
@@ -225,11 +234,38 @@ TEST_F(NodLinkExchange, TellsOfAWrongCommandBeforeItDisconnects)
 {
     PhoneAnswers({Says("{}")});
     AskFromHere();
-    const Texts calls = simulator::JournalText();
-    const Texts end = Join({BoostOff(), Disconnect(), ReleaseAfterDisconnection()});
-    ASSERT_GE(calls.size(), end.size());
-    EXPECT_EQ(Texts(calls.end() - static_cast<std::ptrdiff_t>(end.size()), calls.end()), end);
+    EXPECT_EQ(LastCalls(6), Join({BoostOff(), Disconnect(), ReleaseAfterDisconnection()}));
     EXPECT_EQ(Messages(ERROR), Texts{}) << "nothing is wrong on this side";
+}
+
+TEST_F(NodLinkExchange, TellsOfAnAnswerThatItCannotReadBeforeItDisconnects)
+{
+    PhoneAnswers({Says("7")});
+    AskFromHere();
+    EXPECT_EQ(LastCalls(6), Join({BoostOff(), Disconnect(), ReleaseAfterDisconnection()}));
+}
+
+TEST_F(NodLinkExchange, TellsOfAMessageThatCouldNotBeBuiltBeforeItDisconnects)
+{
+    simulator::RemoveSetting(kKeyTvName);
+    AskFromHere();
+    EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
+    EXPECT_EQ(LastCalls(6), Join({BoostOff(), Disconnect(), ReleaseAfterDisconnection()}));
+}
+
+TEST_F(NodLinkExchange, DoesNotBeginItsTimeAnewInTheSecondStep)
+{
+    simulator::Answer slow = Says(FgApp("full.app"));
+    slow.delayMs = 20;
+    PhoneAnswers({slow, StaysSilent()});
+    ASSERT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
+    ASSERT_TRUE(RunUntilCalled("bt_gatt_client_write_value"));
+    const guint armed = g_source_get_id(g_main_context_find_source_by_user_data(nullptr, LastTimeout().data));
+    simulator::Settle();
+    ASSERT_EQ(MessagesToPhone().size(), 2U);
+    EXPECT_EQ(g_source_get_id(g_main_context_find_source_by_user_data(nullptr, LastTimeout().data)), armed);
+    LetTimeOut();
+    EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
 }
 
 TEST_F(NodLinkExchange, EndsInGattFailWithoutTheBluetoothAddressInTheSecondStep)

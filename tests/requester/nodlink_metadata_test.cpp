@@ -151,6 +151,18 @@ TEST_F(MetaData, IsSearchedForAnEmptyNameWhenThePhoneNamesNone)
     EXPECT_EQ(ModeOf(R"({"type":"fgApp"})"), 1);
 }
 
+TEST_F(MetaData, GivesMultiViewWhenThePhoneNamesNoApplication)
+{
+    simulator::WriteFile(kRw, R"({"screenmirroring_fullview":["a"],"soundmirroring":["b"]})");
+    EXPECT_EQ(ModeOf(R"({"type":"fgApp"})"), 0);
+}
+
+TEST_F(MetaData, GivesFullViewToAnApplicationThatBothArraysList)
+{
+    simulator::WriteFile(kRw, R"({"soundmirroring":["a"],"screenmirroring_fullview":["a"]})");
+    EXPECT_EQ(ModeFor(R"("a")"), 1);
+}
+
 TEST_F(MetaData, IsReadAnewForEachAnswer)
 {
     simulator::WriteFile(kRw, R"({"soundmirroring":["a"]})");
@@ -188,6 +200,24 @@ TEST_F(NodLinkRequest, TellsThePhoneOfTheseTypesAndIcons)
         EXPECT_NE(MessagesToPhone().back().find(expected), std::string::npos)
             << tested.type << ", " << tested.icon << ": " << MessagesToPhone().back();
     }
+}
+
+TEST_F(NodLinkRequest, SendsType23AsType6WithIcon5WhateverTheIcon)
+{
+    simulator::SetSystemInfo(kDeviceType, 23);
+    for (const int icon : {0, 2, 7}) {
+        simulator::SetSystemInfo(kDeviceIcon, icon);
+        Ask();
+        EXPECT_NE(MessagesToPhone().back().find(R"("deviceIcon":"5","deviceType":"6")"), std::string::npos);
+    }
+}
+
+TEST_F(NodLinkRequest, SendsType41WithIcon2AsType6WithIcon4)
+{
+    simulator::SetSystemInfo(kDeviceType, 41);
+    simulator::SetSystemInfo(kDeviceIcon, 2);
+    Ask();
+    EXPECT_NE(MessagesToPhone().back().find(R"("deviceIcon":"4","deviceType":"6")"), std::string::npos);
 }
 
 TEST_F(NodLinkRequest, EndsWithoutEitherTypeOrIcon)

@@ -44,6 +44,23 @@ TEST_F(NodLinkVersion, IsNotNamedUnlessItIsThree)
     EXPECT_EQ(SentType(), "nodLink\"}");
 }
 
+TEST_F(NodLinkVersion, ThreeIsNamedInTheMessage)
+{
+    EXPECT_EQ(Set("3.0"), LYN_ERROR_NONE);
+    EXPECT_EQ(SentType(), "nodLink3.0\"}");
+}
+
+TEST_F(NodLinkVersion, TwoIsNotNamedInTheMessage)
+{
+    EXPECT_EQ(Set("2.0"), LYN_ERROR_NONE);
+    EXPECT_EQ(SentType(), "nodLink\"}");
+}
+
+TEST_F(NodLinkVersion, IsNotNamedInTheMessageWhenNoneIsSet)
+{
+    EXPECT_EQ(SentType(), "nodLink\"}");
+}
+
 TEST_F(NodLinkVersion, IsThrownBackAsTextWhenItIsNotSupported)
 {
     for (const char* version : {"4.0", "", "3", "3.0 ", " 3.0", "3.00", "2.0\n", "2,0", "two"}) {

@@ -101,6 +101,11 @@ TEST_F(NodLinkParts, TakeAnAvDeviceForKindFourWithBothBitsOfOneByteAndOneOfAnoth
     }
 }
 
+TEST_F(NodLinkParts, RejectAnAvDeviceWithOneOfItsTwoBits)
+{
+    EXPECT_EQ(RejectionOf(With({{1, 4}, {2, 0x01}, {4, 0x20}})), "Not Nodlink device");
+}
+
 TEST_F(NodLinkParts, RejectEveryOtherKind)
 {
     for (int kind = 0; kind < 256; ++kind) {

@@ -78,6 +78,42 @@ TEST_F(NodLinkScanner, ReportsAPhoneWithoutMirroringAndVersionTwo)
     ExpectFound(R"({"device_type":"mobile","nodlink_version":"2.0","sm_available":0})");
 }
 
+TEST_F(NodLinkScanner, ReportsAPhoneThatCannotMirrorAsNotAvailable)
+{
+    Deliver(DataWith({{1, 0x0D}, {5, 0x04}, {6, 0x00}, {13, 0x01}}));
+    ExpectFound(R"({"device_type":"mobile","nodlink_version":"3.0","sm_available":0})");
+}
+
+TEST_F(NodLinkScanner, ReportsAPhoneWithAZeroByteForItsVersionAsVersionTwo)
+{
+    Deliver(DataWith({{1, 0x0D}, {5, 0x04}, {6, 0x01}, {13, 0x00}}));
+    ExpectFound(R"({"device_type":"mobile","nodlink_version":"2.0","sm_available":1})");
+}
+
+TEST_F(NodLinkScanner, ReportsAPhoneWithAnyOtherByteForItsVersionAsVersionThree)
+{
+    Deliver(DataWith({{1, 0x0D}, {5, 0x04}, {6, 0x01}, {13, 0x80}}));
+    ExpectFound(R"({"device_type":"mobile","nodlink_version":"3.0","sm_available":1})");
+}
+
+TEST_F(NodLinkScanner, DropsAPhoneWithoutItsBit)
+{
+    Deliver(DataWith({{1, 0x0D}, {5, 0xFB}, {6, 0x01}, {13, 0x01}}));
+    ExpectDroppedInSilence();
+}
+
+TEST_F(NodLinkScanner, DropsAnAvDeviceWithOneOfItsTwoBits)
+{
+    Deliver(DataWith({{1, 4}, {2, 0x01}, {4, 0x20}}));
+    ExpectDroppedInSilence();
+}
+
+TEST_F(NodLinkScanner, DropsAnAvDeviceWithoutItsThirdBit)
+{
+    Deliver(DataWith({{1, 4}, {2, 0x03}, {4, 0xDF}}));
+    ExpectDroppedInSilence();
+}
+
 TEST_F(NodLinkScanner, ReportsAPhoneWithEveryBitSet)
 {
     Bytes data(20, 0xFF);

@@ -97,6 +97,14 @@ TEST_F(MirroringScanner, DropsAMarkedPhoneOfAnotherCompanyInSilence)
     EXPECT_THAT(LogLines(), IsEmpty());
 }
 
+TEST_F(KovScanner, DropsAMarkedPhoneOfAnotherCompanyInSilence)
+{
+    simulator::DeliverAdvertisement(ADDRESS, -50, Advertising(Marked(23, UNIQUE_ID), 0x7500),
+                                    NameResponse("Kitchen"));
+    EXPECT_THAT(app.phones, IsEmpty());
+    EXPECT_THAT(LogLines(), IsEmpty());
+}
+
 TEST_F(MirroringScanner, DropsAPhoneWhoseDataIsTooShortForTheIdInSilence)
 {
     for (std::size_t length = 1; length < 24; ++length) {
@@ -194,6 +202,27 @@ TEST_F(MirroringScanner, DropsAPhoneWithNoByteInItsScanResponse)
 {
     Deliver(Marked(25, UNIQUE_ID), Advertising({}));
     ExpectDropped("exception lenth is less then 1");
+}
+
+TEST_F(KovScanner, DropsAPhoneWithNoByteInItsScanResponse)
+{
+    Deliver(Marked(23, UNIQUE_ID), Advertising({}));
+    ExpectDropped("exception lenth is less then 1");
+}
+
+TEST_F(KovScanner, DropsAPhoneWhoseScanResponseHasNoManufacturerData)
+{
+    Deliver(Marked(23, UNIQUE_ID), simulator::AdStructure(0x09, BytesOf("Kitchen")));
+    EXPECT_THAT(app.phones, IsEmpty());
+    EXPECT_THAT(Messages(ERROR),
+                ElementsAre(testing::StartsWith("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x"),
+                            "manufacturere data length is less than 3"));
+}
+
+TEST_F(KovScanner, ReportsANameUpToItsFirstZeroByte)
+{
+    DeliverNamed(std::string("ab\0cd", 5));
+    ExpectNamed("ab");
 }
 
 TEST_F(MirroringScanner, DropsAPhoneWhoseScanResponseHasNoManufacturerData)

@@ -38,6 +38,16 @@ TEST_P(FeatureService, NeedsAPowerStateThatServesOnlyWhereItIsNodLink)
     EXPECT_EQ(app.Create(GetParam()), IsNodLink() ? LYN_ERROR_INTERNAL : LYN_ERROR_NONE);
 }
 
+TEST_P(FeatureService, SucceedsWithoutPartsWhenTheBluetoothProductFails)
+{
+    simulator::FailCall("bt_product_init", -1);
+    EXPECT_EQ(app.Create(GetParam()), LYN_ERROR_NONE);
+    EXPECT_TRUE(app.events.empty());
+    EXPECT_EQ(app.StartScan(), LYN_ERROR_INTERNAL);
+    EXPECT_TRUE(HasLog(ERROR, "exception: m_pFsm is NULL"));
+    EXPECT_EQ(simulator::JournalText(), Texts({"bt_product_init()"}));
+}
+
 TEST_P(FeatureService, FollowsTheDeviceOnlyWhereItIsNodLink)
 {
     Begin(GetParam());
