@@ -34,6 +34,12 @@ GIVEN_BY = {
     "nod_link_type": "given out",
 }
 
+HEAD = """# Reference
+
+Made by the tests: every row names tests that reach it, and `ctest --preset release -R NAME` runs one of them.
+*(inside)* marks what no test reaches through the C interface; the test calls the class itself.
+"""
+
 Site = collections.namedtuple("Site", "file first last level text")
 Test = collections.namedtuple("Test", "program interface name")
 
@@ -162,7 +168,7 @@ def how(notes, tests, most=1):
 
 
 def cell(text):
-    return text.replace("|", "\\|").replace("<", "&lt;")
+    return text.replace("|", "\\|")
 
 
 # ---- The page ----------------------------------------------------------------------------------------
@@ -210,7 +216,8 @@ def kernel_table(sources, notes, problems):
 def value_tables(header, notes, problems):
     rows = []
     for kind, members in enumerators(header).items():
-        rows += ["", f"## {kind}", "", f"| value | name | meaning | {GIVEN_BY[kind]} by | how |", "|---|---|---|---|---|"]
+        head = f"| value | name | meaning | {GIVEN_BY[kind]} by | how |"
+        rows += ["", f"## {kind}", "", head, "|---|---|---|---|---|"]
         for name, value, comment in members:
             given = sorted(what[3] for what in notes.tests if what[:3] == ("value", kind, str(value)))
             if bool(given) == (name in NEVER_GIVEN):
@@ -229,7 +236,8 @@ def value_tables(header, notes, problems):
 
 def main():
     root, folder, page = (Path(argument) for argument in sys.argv[1:4])
-    sources = sorted(p for part in ("src", "core", "include_internal") for p in (root / part).rglob("*") if p.suffix in (".h", ".cpp"))
+    files = [path for part in ("src", "core", "include_internal") for path in (root / part).rglob("*")]
+    sources = sorted(path for path in files if path.suffix in (".h", ".cpp"))
     notes, problems = Notes(folder), []
     for path in sources:
         check_helpers(path, problems)
@@ -237,14 +245,8 @@ def main():
     kernel_count, kernel_rows = kernel_table(sources, notes, problems)
     values = value_tables(root / "include" / "lyn_service.h", notes, problems)
     page.parent.mkdir(parents=True, exist_ok=True)
-    page.write_text(
-        "\n".join(
-            ["# Reference", "", "Made by the tests. Every row names a test that reaches it: `ctest --preset release -R NAME` runs it.",
-             "*(inside)* marks what no test reaches through the C interface; the test calls the class itself.",
-             *values, "", "## Log lines", "", *log_rows, "", "## Kernel-log lines", "", *kernel_rows, ""]
-        ),
-        encoding="utf-8",
-    )
+    tables = [*values, "", "## Log lines", "", *log_rows, "", "## Kernel-log lines", "", *kernel_rows, ""]
+    page.write_text(HEAD + "\n".join(tables), encoding="utf-8")
     for problem in problems:
         print(f"write_page.py: {problem}", file=sys.stderr)
     print(f"{count} log lines and {kernel_count} kernel-log lines, every return value, state and result: {page}")
