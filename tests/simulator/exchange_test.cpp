@@ -318,5 +318,19 @@ TEST_F(Exchange, MessagesOutliveTheirPhoneUntilTheReset)
     EXPECT_TRUE(MessagesTo(kPhone).empty());
 }
 
+TEST_F(Exchange, OfManyMessagesTheLatestThousandAreKept)
+{
+    AddPhone(AnsweringPhone({}));
+    Peer peer;
+    for (int i = 0; i <= 1000; ++i) {
+        ASSERT_EQ(peer.Write(std::to_string(i)), 0);
+        Settle();
+    }
+    const Texts messages = MessagesTo(kPhone);
+    ASSERT_EQ(messages.size(), 1000U);
+    EXPECT_EQ(messages.front(), "1");
+    EXPECT_EQ(messages.back(), "1000");
+}
+
 }  // namespace
 }  // namespace lyn::simulator::test

@@ -134,6 +134,13 @@ TEST_F(KernelLogCapture, CanRefuse)
     EXPECT_EQ(KernelLog(), std::vector<std::string>{"kept"});
 }
 
+TEST_F(KernelLogCapture, CanDiscard)
+{
+    SetKernelLogMode(KernelLogMode::discard);
+    EXPECT_EQ(WriteLine("lost"), 4);
+    EXPECT_TRUE(KernelLog().empty());
+}
+
 TEST_F(KernelLogCapture, IsEmptyAfterAReset)
 {
     WriteLine("old");

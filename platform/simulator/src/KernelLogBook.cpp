@@ -55,7 +55,7 @@ int KernelLogBook::Open()
     }
     Collect();
     std::array<int, 2> ends{};
-    if (!m_capturing || m_open.size() >= kMaxOpen ||
+    if (!m_capturing || m_mode == KernelLogMode::discard || m_open.size() >= kMaxOpen ||
         ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         return ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     }

@@ -9,6 +9,8 @@ namespace lyn::simulator {
 
 namespace {
 
+constexpr std::size_t kMaxMessages = 1000;
+
 void Demand(bool good, const char* what)
 {
     if (!good) {
@@ -141,13 +143,20 @@ const std::vector<std::shared_ptr<RoomPhone>>& Room::All() const
 
 void Room::RecordMessage(const std::string& address, const std::string& message)
 {
-    m_messages[address].push_back(message);
+    auto& messages = m_messages[address];
+    if (messages.size() >= kMaxMessages) {
+        messages.pop_front();
+    }
+    messages.push_back(message);
 }
 
 std::vector<std::string> Room::MessagesTo(const std::string& address) const
 {
     const auto found = m_messages.find(address);
-    return found != m_messages.end() ? found->second : std::vector<std::string>{};
+    if (found == m_messages.end()) {
+        return {};
+    }
+    return {found->second.begin(), found->second.end()};
 }
 
 Room::Position Room::Find(const std::string& address)

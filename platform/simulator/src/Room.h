@@ -3,6 +3,7 @@
 
 #include <glib.h>
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <random>
@@ -59,7 +60,7 @@ private:
 
     Simulator& m_simulator;
     std::vector<std::shared_ptr<RoomPhone>> m_phones;
-    std::map<std::string, std::vector<std::string>> m_messages;
+    std::map<std::string, std::deque<std::string>> m_messages;
     unsigned m_added = 0;
 };
 

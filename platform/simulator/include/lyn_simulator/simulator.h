@@ -129,7 +129,7 @@ void AddPhone(const Phone& phone);
 /// Removes a phone. Its link is lost, with the phone's dropCode; a connect on its way fails with 0xC0000001.
 void RemovePhone(const std::string& address);
 std::vector<Phone> Phones();
-/// Every message written to a phone since the last Reset(), as it arrived, oldest first.
+/// The latest 1000 messages written to a phone since the last Reset(), as they arrived, oldest first.
 std::vector<std::string> MessagesTo(const std::string& address);
 
 /// Raw bytes of the feature layouts, for tests that start from a good phone and bend it. A unique id has 22
@@ -218,7 +218,8 @@ void SetLogCapture(int lowestPriority);
 /// The listener must not log. A Reset() leaves it in place.
 void SetLogListener(const std::function<void(const LogLine&)>& listener);
 
-enum class KernelLogMode { capture, refuseOpen, failWrite };
+enum class KernelLogMode { capture, refuseOpen, failWrite, discard };
+/// `discard` takes lines and forgets them, for measurements.
 void SetKernelLogMode(KernelLogMode mode);
 /// Each captured line, bytes as written: everything that was written when this is called.
 std::vector<std::string> KernelLog();
