@@ -139,7 +139,7 @@ std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_inf
     if (!HasAdvertising(*info)) {
         throw LynExceptionNotValidDevice("adv data is nullptr");
     }
-    const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+    const ManufacturerData advertised = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
     if (advertised.company != COMPANY_ID) {
         throw LynExceptionNotValidDevice("Not Calyxon device");
     }
@@ -159,6 +159,10 @@ void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_r
             return;
         }
         const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+        if (advertised.defect != nullptr) {
+            LYN_LOGE("exception %s", advertised.defect);  // The text that readers know, without the throw.
+            return;
+        }
         if (GetKind(advertised) == Kind::foreign) {
             return;  // Nearly every advertisement in the air: no exception, no log line.
         }

@@ -81,7 +81,7 @@ std::string CPhoneScanner::GetDeviceName(bt_adapter_le_device_scan_result_info_s
     if (info->scan_data == nullptr) {
         LogAndThrow<LynExceptionNotValidDevice>("scan data is nullptr");
     }
-    const ManufacturerData answered = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_SCAN_RESPONSE);
+    const ManufacturerData answered = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_SCAN_RESPONSE);
     return ConvertManufacturerDataToDeviceName(answered.data.get(), static_cast<unsigned int>(answered.length));
 }
 
@@ -90,7 +90,7 @@ std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* 
     if (!HasAdvertising(*info)) {
         throw LynExceptionNotValidDevice("adv data is nullptr");
     }
-    const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+    const ManufacturerData advertised = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
     if (!IsOwn(advertised)) {
         throw LynExceptionNotValidDevice(m_Feature.rejection);
     }
@@ -107,6 +107,10 @@ void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_res
             return;
         }
         const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+        if (advertised.defect != nullptr) {
+            LYN_LOGE("exception %s", advertised.defect);  // The text that readers know, without the throw.
+            return;
+        }
         if (!IsOwn(advertised)) {
             return;  // Nearly every advertisement in the air: no exception, no log line.
         }

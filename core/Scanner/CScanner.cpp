@@ -88,10 +88,19 @@ CScanner::ManufacturerData CScanner::ReadManufacturerData(const bt_adapter_le_de
     }
     found.data.reset(data);
     if (data == nullptr) {
-        throw LynExceptionInvalidParam("manufacturer data is null");
+        found.defect = "manufacturer data is null";
+    } else if (found.length < 1) {
+        found.defect = "lenth is less then 1";
     }
-    if (found.length < 1) {
-        throw LynExceptionInvalidParam("lenth is less then 1");
+    return found;
+}
+
+CScanner::ManufacturerData CScanner::CheckedManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
+                                                             bt_adapter_le_packet_type_e packetType)
+{
+    ManufacturerData found = ReadManufacturerData(info, packetType);
+    if (found.defect != nullptr) {
+        throw LynExceptionInvalidParam(found.defect);
     }
     return found;
 }
@@ -100,7 +109,7 @@ std::shared_ptr<char> CScanner::GetManufDataFromScanResult(bt_adapter_le_device_
                                                            bt_adapter_le_packet_type_e packetType,
                                                            int& manufacturerId, int& length)
 {
-    ManufacturerData found = ReadManufacturerData(info, packetType);
+    ManufacturerData found = CheckedManufacturerData(info, packetType);
     if (!found.data) {
         return {};
     }

@@ -46,12 +46,16 @@ protected:
         PlatformText data;
         int company = 0;
         int length = 0;
+        const char* defect = nullptr;  ///< why the platform's data cannot be used, or null
     };
 
-    /// GetManufDataFromScanResult() with nothing allocated beside the platform's buffer: every foreign
-    /// advertisement comes this way.
+    /// GetManufDataFromScanResult() with nothing thrown, and nothing allocated beside the platform's
+    /// buffer: every foreign advertisement comes this way.
     static ManufacturerData ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
                                                  bt_adapter_le_packet_type_e packetType);
+    /// The same, with a defect thrown as LynExceptionInvalidParam.
+    static ManufacturerData CheckedManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
+                                                    bt_adapter_le_packet_type_e packetType);
 
     /// One scan result. Nothing is thrown but what is no standard exception.
     virtual void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info);

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Foreign advertisements: nearly all that a scan hears. They must cost nothing: no exception, no memory
-// beside the platform's buffer, no log line, and no byte read behind the end of the data. This program
-// counts exceptions, allocations and lines itself, and its platform hands out data in exact buffers.
+// beside the platform's buffer, no log line, and no byte read behind the end of the data. The platform of
+// this program counts lines and calls, and hands out data in exact buffers, one allocation for each.
+#include <glib.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <atomic>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
 #include "Scanner/CKovScanner.h"
@@ -21,13 +20,12 @@
 #include "Scanner/CScreenMirroringScanner.h"
 #include "lyn_platform/log.h"
 #include "scanner/Advertisements.h"
+#include "support/Costs.h"
 #include "support/SimulatedTv.h"
 
 namespace {
 
-std::atomic<int> g_allocations{0};
-std::atomic<int> g_exceptions{0};
-std::atomic<int> g_lines{0};
+int g_lines = 0;
 
 // What the platform finds in the packet.
 struct Found {
@@ -40,80 +38,7 @@ struct Found {
 
 Found g_found;
 
-void* CountedAllocation(std::size_t size)
-{
-    ++g_allocations;
-    return std::malloc(size != 0 ? size : 1);
-}
-
-void* CountedOrThrow(std::size_t size)
-{
-    void* const memory = CountedAllocation(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
 }  // namespace
-
-void* operator new(std::size_t size)
-{
-    return CountedOrThrow(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return CountedOrThrow(size);
-}
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return CountedAllocation(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return CountedAllocation(size);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, const std::nothrow_t&) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, const std::nothrow_t&) noexcept
-{
-    std::free(memory);
-}
-
-// The linker leads every throw of this program here.
-extern "C" [[noreturn]] void __real___cxa_throw(void* exception, std::type_info* type, void (*destroy)(void*));
-extern "C" [[noreturn]] void __wrap___cxa_throw(void* exception, std::type_info* type, void (*destroy)(void*))
-{
-    ++g_exceptions;
-    __real___cxa_throw(exception, type, destroy);
-}
 
 int platform_log_print(int, int, const char*, const char*, ...)
 {
@@ -156,23 +81,26 @@ Bytes Cut(Bytes data, std::size_t length)
     return data;
 }
 
-struct Costs {
+struct Heard {
     int allocations = 0;
     int exceptions = 0;
     int lines = 0;
     int platformCalls = 0;
     int reports = 0;
 
-    bool operator==(const Costs&) const = default;
+    bool operator==(const Heard&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& out, const Costs& costs)
+std::ostream& operator<<(std::ostream& out, const Heard& heard)
 {
-    return out << costs.allocations << " allocations, " << costs.exceptions << " exceptions, " << costs.lines
-               << " lines, " << costs.platformCalls << " platform calls, " << costs.reports << " reports";
+    return out << heard.allocations << " allocations, " << heard.exceptions << " exceptions, " << heard.lines
+               << " lines, " << heard.platformCalls << " platform calls, " << heard.reports << " reports";
 }
 
-constexpr Costs ONE_LOOK{0, 0, 0, 1, 0};
+// The one allocation is the platform's buffer.
+constexpr Heard ONE_LOOK{1, 0, 0, 1, 0};
+constexpr Heard ONE_LOOK_AND_ONE_LINE{1, 0, 1, 1, 0};
+constexpr Heard ONE_LINE_WITHOUT_A_BUFFER{0, 0, 1, 1, 0};
 
 template <typename T>
 class ForeignAdvertisement : public SimulatedTv {
@@ -185,18 +113,16 @@ protected:
 
     ~ForeignAdvertisement() override { m_scanner->StopScan(); }
 
-    Costs Hear(const Found& found)
+    Heard Hear(const Found& found)
     {
         g_found = found;
-        m_reports = 0;
-        g_allocations = 0;
-        g_exceptions = 0;
         g_lines = 0;
-        m_scan.callback(0, m_result.Info(), m_scan.userData);
-        return {g_allocations, g_exceptions, g_lines, g_found.calls, m_reports};
+        m_reports = 0;
+        const Costs costs = CostsOf([&] { m_scan.callback(0, m_result.Info(), m_scan.userData); });
+        return {costs.allocations, costs.exceptions, g_lines, g_found.calls, m_reports};
     }
 
-    Costs Hear(int company, const Bytes& data) { return Hear(Found{0, company, &data, 0}); }
+    Heard Hear(int company, const Bytes& data) { return Hear(Found{0, company, &data, 0}); }
 
     static constexpr bool isNodLink = std::is_same_v<T, CNodLinkScanner>;
     static constexpr std::uint8_t marker = std::is_same_v<T, CKovScanner> ? KOV_MARKER : MIRRORING_MARKER;
@@ -245,16 +171,22 @@ TYPED_TEST(ForeignAdvertisement, CostsOneLookAtItsManufacturerDataAndNothingElse
 
 TYPED_TEST(ForeignAdvertisement, WithoutManufacturerDataCostsOneLine)
 {
-    EXPECT_EQ(this->Hear(Found{-74, 0, nullptr, 0}), (Costs{0, 0, 1, 1, 0}));
+    EXPECT_EQ(this->Hear(Found{-74, 0, nullptr, 0}), ONE_LINE_WITHOUT_A_BUFFER);
+}
+
+TYPED_TEST(ForeignAdvertisement, WithNullDataCostsOneLine)
+{
+    for (const int company : {COMPANY, std::uint16_t{76}}) {
+        EXPECT_EQ(this->Hear(Found{0, company, nullptr, 0}), ONE_LINE_WITHOUT_A_BUFFER);
+        EXPECT_EQ(this->Hear(Found{0, company, nullptr, 0, 24}), ONE_LINE_WITHOUT_A_BUFFER);
+    }
 }
 
 TYPED_TEST(ForeignAdvertisement, IsNotReadBehindItsEndWhenThePlatformCallsItEmpty)
 {
     const Bytes nothing;
-    const Costs costs = this->Hear(COMPANY, nothing);
-    EXPECT_EQ(costs.reports, 0);
-    EXPECT_EQ(costs.lines, 1);
-    EXPECT_EQ(costs.exceptions, 1);
+    EXPECT_EQ(this->Hear(COMPANY, nothing), ONE_LOOK_AND_ONE_LINE);
+    EXPECT_EQ(this->Hear(76, nothing), ONE_LOOK_AND_ONE_LINE);
 }
 
 TYPED_TEST(ForeignAdvertisement, IsDroppedWhenThePlatformClaimsANegativeLength)
@@ -262,25 +194,31 @@ TYPED_TEST(ForeignAdvertisement, IsDroppedWhenThePlatformClaimsANegativeLength)
     const Bytes own = TestFixture::Own();
     for (const int claimed : {-1, INT_MIN}) {
         SCOPED_TRACE(claimed);
-        const Costs costs = this->Hear(Found{0, COMPANY, &own, 0, claimed});
-        EXPECT_EQ(costs.reports, 0);
-        EXPECT_EQ(costs.lines, 1);
+        EXPECT_EQ(this->Hear(Found{0, COMPANY, &own, 0, claimed}), ONE_LOOK_AND_ONE_LINE);
     }
 }
 
-// The counters do count: what costs something is seen.
 TYPED_TEST(ForeignAdvertisement, IsToldFromOneOfOursByTheSameCounters)
 {
-    const Costs own = this->Hear(COMPANY, TestFixture::Own());
+    const Heard own = this->Hear(COMPANY, TestFixture::Own());
     EXPECT_EQ(own.reports, 1);
-    EXPECT_GT(own.allocations, 0);
+    EXPECT_GT(own.allocations, 1);
     EXPECT_GT(own.lines, 0);
     EXPECT_EQ(own.exceptions, 0);
+}
 
-    const Costs null = this->Hear(Found{0, COMPANY, nullptr, 0});
-    EXPECT_EQ(null.exceptions, 1);
-    EXPECT_EQ(null.lines, 1);
-    EXPECT_EQ(null.reports, 0);
+// The counters do count: allocations of every kind, and exceptions of the core.
+TEST(CostsOf, CountsWhatIsAllocatedAndThrown)
+{
+    const std::string text(100, 'x');
+    EXPECT_EQ(CostsOf([&] { std::string copy = text; }).allocations, 1);
+    EXPECT_EQ(CostsOf([&] { std::free(::strdup(text.c_str())); }).allocations, 1);
+    EXPECT_EQ(CostsOf([&] { ::g_free(::g_strdup(text.c_str())); }).allocations, 1);
+
+    CScreenMirroringScanner scanner;
+    const Costs thrown = CostsOf([&] { EXPECT_ANY_THROW(scanner.CheckVaildAdvertisement(0, nullptr)); });
+    EXPECT_EQ(thrown.exceptions, 1);
+    EXPECT_GT(thrown.allocations, 0);
 }
 
 }  // namespace
