@@ -8,6 +8,7 @@
 #include <json/writer.h>
 
 #include <array>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -62,9 +63,13 @@ std::string Serialize(const lyn_device_info_t& info)
     device["UniqueID"] = orEmpty(info.unique_id);
     device["ExtraData"] = orEmpty(info.extra_data);
     device["RSSI"] = info.rssi;
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "";
-    return Json::writeString(writer, device);
+    // Made once, for that costs more than a line; never destroyed, for a service may outlive it.
+    static const auto* const writer = [] {
+        auto made = std::make_unique<Json::StreamWriterBuilder>();
+        (*made)["indentation"] = "";
+        return made.release();
+    }();
+    return Json::writeString(*writer, device);
 }
 
 // Returned to the caller until this thread's next call: a copy made at once reads the right text.

@@ -123,11 +123,20 @@ Json::Value StringToJson(const std::string& text)
     return value;
 }
 
+std::string JsonToLine(const Json::Value& value)
+{
+    // Made once, for that costs more than a line; never destroyed, for a service may outlive it.
+    static const auto* const writer = [] {
+        auto made = std::make_unique<Json::StreamWriterBuilder>();
+        (*made)["indentation"] = "";
+        return made.release();
+    }();
+    return Json::writeString(*writer, value);
+}
+
 std::string JsonToString(const Json::Value& value)
 {
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "";
-    std::string text = Json::writeString(writer, value);
+    std::string text = JsonToLine(value);
     LYN_LOGD("%s", text.c_str());
     return text;
 }

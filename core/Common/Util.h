@@ -30,6 +30,9 @@ std::string GetCurTime();
 Json::Value StringToJson(const std::string& text);
 
 /// One line, members in the order of their keys.
+std::string JsonToLine(const Json::Value& value);
+
+/// The same, and logged.
 std::string JsonToString(const Json::Value& value);
 
 }  // namespace lyn::LynUtil

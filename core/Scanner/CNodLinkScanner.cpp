@@ -2,7 +2,6 @@
 #include "Scanner/CNodLinkScanner.h"
 
 #include <json/value.h>
-#include <json/writer.h>
 
 #include <utility>
 
@@ -129,9 +128,7 @@ std::string CNodLinkScanner::BuildExtraData(const char* data) const
         extraData["sm_available"] = GetScreeeMirroringAvalaiable(data);
         extraData["nodlink_version"] = GetVersion(data);
     }
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "";
-    return Json::writeString(writer, extraData);
+    return LynUtil::JsonToLine(extraData);
 }
 
 std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_info_s* info) const
