@@ -22,6 +22,11 @@ extern "C" [[noreturn]] void __wrap___cxa_throw(void* exception, std::type_info*
 
 namespace lyn::test {
 
+long LiveBlocks()
+{
+    return g_liveBlocks;
+}
+
 Costs CostsSoFar()
 {
     return {g_allocations, g_exceptions};

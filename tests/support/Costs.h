@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a piece of work costs. Linked into a test, this takes the place of malloc, calloc and realloc for the
-// whole process (operator new ends there, too), and of the throwing of exceptions in everything that is linked
-// into the program itself: link the library's core, not the shared library.
+// What a piece of work costs. Linked into a program, this takes the place of malloc, free and their like for
+// the whole process (operator new ends there, too), and of the throwing of exceptions in everything that is
+// linked into the program itself: to count the library's, link its core, not the shared library.
 #pragma once
 
 namespace lyn::test {
@@ -14,6 +14,9 @@ struct Costs {
 
 /// Allocations and exceptions since the process began.
 Costs CostsSoFar();
+
+/// Blocks of memory that are allocated and not yet freed.
+long LiveBlocks();
 
 template <typename Work>
 Costs CostsOf(const Work& work)
