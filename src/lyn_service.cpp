@@ -5,14 +5,13 @@
 #include "lyn_service.h"
 
 #include <json/value.h>
-#include <json/writer.h>
 
 #include <array>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "Common/JsonText.h"
 #include "Service/ServiceManager.h"
 #include "lyn_service_log.h"
 
@@ -63,13 +62,7 @@ std::string Serialize(const lyn_device_info_t& info)
     device["UniqueID"] = orEmpty(info.unique_id);
     device["ExtraData"] = orEmpty(info.extra_data);
     device["RSSI"] = info.rssi;
-    // Made once, for that costs more than a line; never destroyed, for a service may outlive it.
-    static const auto* const writer = [] {
-        auto made = std::make_unique<Json::StreamWriterBuilder>();
-        (*made)["indentation"] = "";
-        return made.release();
-    }();
-    return Json::writeString(*writer, device);
+    return ToJsonText(device);
 }
 
 // Returned to the caller until this thread's next call: a copy made at once reads the right text.

@@ -2,7 +2,6 @@
 #include "Common/Util.h"
 
 #include <json/reader.h>
-#include <json/writer.h>
 
 #include <array>
 #include <atomic>
@@ -12,6 +11,7 @@
 #include <mutex>
 
 #include "Common/Failure.h"
+#include "Common/JsonText.h"
 #include "Common/PlatformCodes.h"
 #include "lyn_platform/bluetooth.h"
 #include "lyn_platform/settings.h"
@@ -123,20 +123,9 @@ Json::Value StringToJson(const std::string& text)
     return value;
 }
 
-std::string JsonToLine(const Json::Value& value)
-{
-    // Made once, for that costs more than a line; never destroyed, for a service may outlive it.
-    static const auto* const writer = [] {
-        auto made = std::make_unique<Json::StreamWriterBuilder>();
-        (*made)["indentation"] = "";
-        return made.release();
-    }();
-    return Json::writeString(*writer, value);
-}
-
 std::string JsonToString(const Json::Value& value)
 {
-    std::string text = JsonToLine(value);
+    std::string text = ToJsonText(value);
     LYN_LOGD("%s", text.c_str());
     return text;
 }

@@ -29,10 +29,7 @@ std::string GetCurTime();
 /// deeper than the reader allows.
 Json::Value StringToJson(const std::string& text);
 
-/// One line, members in the order of their keys.
-std::string JsonToLine(const Json::Value& value);
-
-/// The same, and logged.
+/// One line, members in the order of their keys; logged as well.
 std::string JsonToString(const Json::Value& value);
 
 }  // namespace lyn::LynUtil

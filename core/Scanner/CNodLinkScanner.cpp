@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Common/Failure.h"
+#include "Common/JsonText.h"
 #include "Common/RunGuarded.h"
 #include "Common/Util.h"
 #include "Scanner/AdvertisingLayout.h"
@@ -128,7 +129,7 @@ std::string CNodLinkScanner::BuildExtraData(const char* data) const
         extraData["sm_available"] = GetScreeeMirroringAvalaiable(data);
         extraData["nodlink_version"] = GetVersion(data);
     }
-    return LynUtil::JsonToLine(extraData);
+    return ToJsonText(extraData);
 }
 
 std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_info_s* info) const
