@@ -12,14 +12,26 @@ namespace {
 
 constexpr const char* APP_ID_FILE = "/opt/etc/.lyn_appid";
 
+// Empty when nothing can be read.
+std::string ReadWord(std::ifstream& file)
+{
+    std::string word;
+    file.exceptions(std::ios::badbit);  // Else want of memory would look like an empty file.
+    try {
+        file >> word;
+    } catch (const std::ios_base::failure&) {
+        // As an empty file, from which this is no different for the phone.
+    }
+    return word;
+}
+
 void AddAppLaunch(Json::Value& message)
 {
     std::ifstream file = OpenTvFile(APP_ID_FILE);
     if (!file.is_open()) {
         return;
     }
-    std::string appId;
-    file >> appId;
+    const std::string appId = ReadWord(file);
     message["appLaunch"] = appId;
     LYN_LOGI("app id in /opt/etc/.lyn_appid : %s", appId.c_str());
 }
