@@ -3,7 +3,11 @@
 
 namespace lyn {
 
-LynException::LynException(const std::string& message, lyn_error_e code) : m_Message(message), m_Code(code) {}
+LynException::LynException(const std::string& message, lyn_error_e code)
+    : m_Message(std::make_shared<const std::string>(message)),
+      m_Code(code)
+{
+}
 
 LynException::~LynException() = default;
 

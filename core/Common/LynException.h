@@ -6,7 +6,9 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <string>
+#include <type_traits>
 
 #include "lyn_service.h"
 
@@ -18,13 +20,14 @@ public:
     ~LynException() override;
 
     /// Valid as long as the exception lives.
-    const char* what() const noexcept override { return m_Message.c_str(); }
+    const char* what() const noexcept override { return m_Message->c_str(); }
     lyn_error_e GetCode() const noexcept { return m_Code; }
 
 private:
-    std::string m_Message;
+    std::shared_ptr<const std::string> m_Message;  ///< Shared by the copies: to throw one takes no memory.
     lyn_error_e m_Code;
 };
+static_assert(std::is_nothrow_copy_constructible_v<LynException>);
 
 class LynExceptionInternal : public LynException {
 public:

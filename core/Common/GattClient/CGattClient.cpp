@@ -233,8 +233,10 @@ void CGattClient::OnGattConnected(int result, const std::string& address)
         LogAndThrow<LynExceptionOperationFailed>("connection timeout");
     }
     if (result != PLATFORM_OK) {
+        // Made before: want of memory must not look like the end of an attempt that has been begun.
+        const LynExceptionRetry retry("133 error, try again");
         if (RetryConnect(address)) {
-            throw LynExceptionRetry("133 error, try again");
+            throw retry;
         }
         throw LynExceptionOperationFailed("Connection Error");
     }
