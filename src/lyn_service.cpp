@@ -4,14 +4,12 @@
 // and its exceptions turned into codes.
 #include "lyn_service.h"
 
-#include <json/value.h>
-
 #include <array>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-#include "Common/JsonText.h"
+#include "Service/DeviceText.h"
 #include "Service/ServiceManager.h"
 #include "lyn_service_log.h"
 
@@ -51,18 +49,6 @@ std::string TextOf(const char* text, const char* what)
         throw std::logic_error(std::string(what) + " is a null pointer");
     }
     return text;
-}
-
-std::string Serialize(const lyn_device_info_t& info)
-{
-    const auto orEmpty = [](const char* text) { return text != nullptr ? text : ""; };
-    Json::Value device;
-    device["Name"] = orEmpty(info.name);
-    device["Address"] = orEmpty(info.address);
-    device["UniqueID"] = orEmpty(info.unique_id);
-    device["ExtraData"] = orEmpty(info.extra_data);
-    device["RSSI"] = info.rssi;
-    return ToJsonText(device);
 }
 
 // Returned to the caller until this thread's next call: a copy made at once reads the right text.
@@ -128,7 +114,7 @@ lyn_error_e lyn_start_scan_with_serialization(lyn_service_h service, lyn_device_
         manager.StartScan(service, [cb, user_data](const lyn_device_info_t& info) {
             LYN_LOGI("Device Found : %s, %s, %s", Printable(info.name), Printable(info.address),
                      Printable(info.unique_id));
-            const std::string json = Serialize(info);
+            const std::string json = SerializeDevice(info);
             if (cb != nullptr) {
                 cb(json.c_str(), user_data);
             }
