@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The end of a service: its parts go with it, each once, and nothing is told afterwards.
+#include "Common/LynException.h"
 #include "service/ServiceTest.h"
+#include "support/Thrown.h"
 
 namespace lyn::test {
 namespace {
@@ -22,6 +24,16 @@ TEST_F(ServiceDestruction, LogsTheReleaseOfEachPart)
     EXPECT_EQ(Messages(DEBUG), Texts({"in custom deleter of IScanner", "in custom deleter of IRequester",
                                       "in custom deleter of IServiceFSM"}));
     EXPECT_TRUE(Messages(ERROR).empty());
+}
+
+TEST_F(ServiceDestruction, RefusesTheWorkOfARequestThatItHasOvertaken)
+{
+    InstallParts();
+    service->StopReports();
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidState>([&] { service->OnRequestInitiating("AA:BB:CC:DD:EE:01", ""); }),
+              "Invalid State");
+    EXPECT_TRUE(HasLog(ERROR, "Invalid State"));
+    EXPECT_TRUE(TakeCalls().empty());
 }
 
 TEST_F(ServiceDestruction, NeedsNoParts)
