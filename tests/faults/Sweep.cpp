@@ -118,7 +118,7 @@ void Sweep::Begin(int nth, const std::string& what)
     std::snprintf(g_currentRun.data(), g_currentRun.size(), "%s, %s: %s: %s", m_scenario->service.c_str(),
                   m_scenario->name.c_str(), NameOf(m_kind), what.c_str());
     simulator::Reset();
-    simulator::SetLogCapture(m_onlyNth == 0 ? 7 : 3);
+    simulator::SetLogCapture(7);
     simulator::SetJournal(false);
     m_scenario->setUp();
 }
