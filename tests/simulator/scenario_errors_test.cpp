@@ -56,6 +56,8 @@ const std::vector<Sample>& Samples()
         {"", "not JSON: Syntax error: value, object or array expected."},
         {"[]", "must be an object"},
         {R"({"tvs": {}})", "tvs: unknown member; known are $schema, description, tv, phones"},
+        {R"({"a\nb": {}})", "a?b: unknown member; known are $schema, description, tv, phones"},
+        {R"({"a\u0000b": {}})", "a?b: unknown member; known are $schema, description, tv, phones"},
         {R"({"tv": 5})", "tv: must be an object"},
         {R"({"description": 5})", "description: must be a text"},
         {R"({"phones": {}})", "phones: must be an array"},

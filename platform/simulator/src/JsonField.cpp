@@ -31,6 +31,17 @@ std::string FirstReason(const std::string& report, int& line)
     return report.substr(begin + 3, end == std::string::npos ? end : end - begin - 3);
 }
 
+/// A text of the file, such as an unknown member's name, without what would end the line or clear the screen.
+std::string OneLine(const std::string& text)
+{
+    std::string line;
+    for (const char character : text) {
+        const bool control = g_ascii_iscntrl(character);
+        line += control ? '?' : character;
+    }
+    return line;
+}
+
 std::string Joined(std::initializer_list<const char*> names)
 {
     std::string text;
@@ -58,7 +69,7 @@ JsonDocument::JsonDocument(const std::string& text, const std::string& name) : m
     if (!good) {
         int line = 1;
         const std::string reason = FirstReason(report, line);
-        throw ScenarioError(m_name + ":" + std::to_string(line) + ": not JSON: " + reason);
+        throw ScenarioError(m_name + ":" + std::to_string(line) + ": not JSON: " + OneLine(reason));
     }
 }
 
@@ -72,7 +83,7 @@ void JsonDocument::Fail(const Json::Value& at, const std::string& field, const s
     const auto offset = static_cast<std::ptrdiff_t>(at.getOffsetStart());
     const auto line = 1 + std::count(m_text.begin(), m_text.begin() + offset, '\n');
     const std::string where = field.empty() ? "" : field + ": ";
-    throw ScenarioError(m_name + ":" + std::to_string(line) + ": " + where + reason);
+    throw ScenarioError(m_name + ":" + std::to_string(line) + ": " + OneLine(where + reason));
 }
 
 JsonField::JsonField(const JsonDocument& document) : JsonField(document, document.Root(), "") {}
@@ -123,7 +134,8 @@ void JsonField::OnlyMembers(std::initializer_list<const char*> names) const
 {
     for (const std::string& name : MemberNames()) {
         if (std::find(names.begin(), names.end(), name) == names.end()) {
-            Get(name.c_str()).Fail("unknown member; known are " + Joined(names));
+            const std::string path = m_path.empty() ? name : m_path + "." + name;
+            m_document->Fail((*m_value)[name], path, "unknown member; known are " + Joined(names));
         }
     }
 }
