@@ -15,10 +15,6 @@ if(LYN_SANITIZE)
     add_link_options($<$<LINK_LANGUAGE:C>:-fsanitize-link-c++-runtime>)
     link_libraries($<$<LINK_LANGUAGE:C>:stdc++>)
 endif()
-if(LYN_FUZZ)
-    # The fuzzer sees which code an input reaches, in the libraries too.
-    add_compile_options(-fsanitize=fuzzer-no-link)
-endif()
 if(LYN_COVERAGE)
     # Counters are changed atomically: the library is called from many threads.
     add_compile_options(--coverage -fprofile-update=atomic)
@@ -30,4 +26,11 @@ endif()
 add_library(lyn_no_undefined INTERFACE)
 if(NOT LYN_SANITIZE)
     target_link_options(lyn_no_undefined INTERFACE -Wl,--no-undefined)
+endif()
+
+# lyn_fuzzed: linked PRIVATE by the code in which the fuzzers look for new ways. The tests are not: they would
+# only become slower.
+add_library(lyn_fuzzed INTERFACE)
+if(LYN_FUZZ)
+    target_compile_options(lyn_fuzzed INTERFACE -fsanitize=fuzzer-no-link)
 endif()

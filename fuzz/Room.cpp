@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "support/Clock.h"
 
@@ -12,14 +13,41 @@ namespace {
 
 constexpr int NOT_CAPTURED = 7;
 
+// One folder for the TV's files in all inputs: making and removing one takes longer than most inputs.
+class TvFolder {
+public:
+    TvFolder() : m_path((std::filesystem::temp_directory_path() / "lyn-fuzz-XXXXXX").string())
+    {
+        Require(::mkdtemp(m_path.data()) != nullptr, "a temporary folder can be made");
+    }
+    ~TvFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    TvFolder(const TvFolder&) = delete;
+    TvFolder& operator=(const TvFolder&) = delete;
+
+    const std::string& Path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
 }  // namespace
 
-void Require(bool holds, const char* promise)
+void Require(bool holds, const std::string& promise)
 {
     if (!holds) {
-        std::fprintf(stderr, "broken promise: %s\n", promise);
+        std::fprintf(stderr, "broken promise: %s\n", promise.c_str());
         std::abort();
     }
+}
+
+bool IsAsciiLine(const std::string& text)
+{
+    constexpr char last = 0x7F;
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= last; });
 }
 
 std::uint8_t Input::TakeByte()
@@ -49,62 +77,74 @@ simulator::Bytes Input::TakeBytes()
 std::string Input::TakeRest()
 {
     std::string text(m_data, m_data + m_left);
+    m_data += m_left;
     m_left = 0;
     return text;
 }
 
-void PrepareTv()
+Tv::Tv()
 {
-    using namespace simulator;
-    Reset();
-    SetLogCapture(NOT_CAPTURED);
-    SetJournal(false);
-    SetSetting("db/menu/network/devicename/tv_name", "TV");
-    SetSetting("memory/menu/network/screenmirroring/p2p_listen_channel", 0);
-    SetSystemInfo("com.calyxon/featureconf/devicename.icon_index", 1);
-    SetSystemInfo("com.calyxon/featureconf/devicename.device_type_index", 12);
-    SetWifiDirectAddress("02:00:00:00:00:02");
+    static const TvFolder folder;
+    simulator::Reset();
+    simulator::SetFilePrefix(folder.Path());
+    simulator::SetLogCapture(NOT_CAPTURED);
+    simulator::SetJournal(false);
+}
+
+Tv::~Tv()
+{
+    while (test::ElapseTimeout()) {  // Of destroyed services.
+        simulator::Settle();
+    }
+    test::ForgetSleeps();
+    simulator::Reset();
 }
 
 App::App(const char* serviceName)
 {
     Require(lyn_create_service(&handle, serviceName, StateCb, this) == LYN_ERROR_NONE, "a service is created");
+    Require(handle != nullptr, "a created service has a handle");
 }
 
 App::~App()
 {
-    if (handle != nullptr) {
-        Require(lyn_destroy_service(handle) == LYN_ERROR_NONE, "a service is destroyed");
-    }
+    Require(lyn_destroy_service(handle) == LYN_ERROR_NONE, "a service is destroyed");
+    const std::size_t told = m_states.size() + m_results.size();
     simulator::Settle();
+    Require(told == m_states.size() + m_results.size(), "nothing is reported after the end");
     const simulator::Counts alive = simulator::Alive();
-    Require(alive.clients == 0 && alive.productInits == 0, "nothing is left behind");
+    Require(alive.clients == 0 && alive.productInits == 0 && alive.wifiDirectInits == 0, "nothing is left behind");
+    Require(alive.registrations == 0, "nothing is registered after the end");
+    Require(!alive.boosted, "the scan boost is off after the end");
 }
 
-void App::RequestAndRequireOneResult(const std::string& address, const std::string& extraData)
+lyn_request_initiating_result_e App::Request(const std::string& address, const std::string& extraData)
 {
+    m_states.clear();
+    m_results.clear();
     Require(lyn_request_initiating_with_extra_data(handle, address.c_str(), extraData.c_str(), ResultCb, this) ==
                 LYN_ERROR_NONE,
             "a request is accepted");
+    Require(m_results.empty(), "a result comes from the main loop");
     simulator::Settle();
-    while (results == 0 && test::ElapseTimeout()) {
+    while (m_results.empty() && test::ElapseTimeout()) {
         simulator::Settle();
     }
-    Require(results == 1, "a request has one result");
-    Require(state == LYN_STATE_READY, "a service is ready after a result");
+    Require(m_results.size() == 1, "a request has one result");
+    const std::vector<lyn_state_e> documented{LYN_STATE_READY, LYN_STATE_REQUESTING, LYN_STATE_READY};
+    Require(m_states == documented, "a request reports READY, REQUESTING and READY");
+    Require(test::ArmedTimeouts().empty(), "no time-out runs after a result");
+    return m_results.front();
 }
 
 void App::StateCb(lyn_state_e state, void* userData)
 {
-    static_cast<App*>(userData)->state = state;
+    static_cast<App*>(userData)->m_states.push_back(state);
 }
 
 void App::ResultCb(lyn_request_initiating_result_e result, void* userData)
 {
-    Require(result >= LYN_REQUEST_INITIATING_RESULT_SUCCESS &&
-                result <= LYN_REQUEST_INITIATING_RESULT_GATT_DISCONNECTED,
-            "a result is one of the enumeration");
-    ++static_cast<App*>(userData)->results;
+    static_cast<App*>(userData)->m_results.push_back(result);
 }
 
 }  // namespace lyn::fuzz

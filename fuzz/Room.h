@@ -7,14 +7,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "lyn_service.h"
 #include "lyn_simulator/simulator.h"
 
 namespace lyn::fuzz {
 
+constexpr const char* ADDRESS = "AA:BB:CC:DD:EE:01";
+constexpr const char* UNIQUE_ID = "0123456789abcdefghijkl";
+
 /// Ends the process, as a crash would, with the text when the promise does not hold.
-void Require(bool holds, const char* promise);
+void Require(bool holds, const std::string& promise);
+
+/// Whether a text is one line of ASCII: no control character, but DEL, which JSON lets pass.
+bool IsAsciiLine(const std::string& text);
 
 /// The bytes of an input, taken from the front. Nothing is left to take: zeros and empty texts.
 class Input {
@@ -33,10 +40,18 @@ private:
     std::size_t m_left;
 };
 
-/// Resets the TV and gives it what every message needs.
-void PrepareTv();
+/// A TV that has what every message needs, for one input. Its end leaves nothing in memory: an input that
+/// does would be searched for leaks by the fuzzer, which takes longer than the input.
+class Tv {
+public:
+    Tv();
+    ~Tv();
+    Tv(const Tv&) = delete;
+    Tv& operator=(const Tv&) = delete;
+};
 
-/// An application with one service, whose reports are counted.
+/// An application with one service, whose reports are counted. Its end destroys the service and requires
+/// that nothing of it is left.
 class App {
 public:
     explicit App(const char* serviceName);
@@ -44,17 +59,17 @@ public:
     App(const App&) = delete;
     App& operator=(const App&) = delete;
 
-    /// Requests, and requires exactly one result and the state READY at its end.
-    void RequestAndRequireOneResult(const std::string& address, const std::string& extraData);
+    /// Requests, and requires exactly one result and the states that are documented for a request.
+    lyn_request_initiating_result_e Request(const std::string& address, const std::string& extraData = "");
 
     lyn_service_h handle = nullptr;
-    int phones = 0;
-    int results = 0;
-    lyn_state_e state = LYN_STATE_READY;
 
 private:
     static void StateCb(lyn_state_e state, void* userData);
     static void ResultCb(lyn_request_initiating_result_e result, void* userData);
+
+    std::vector<lyn_state_e> m_states;
+    std::vector<lyn_request_initiating_result_e> m_results;
 };
 
 }  // namespace lyn::fuzz

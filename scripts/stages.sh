@@ -5,12 +5,13 @@
 
 # The release stage is the last one, so that its summary, of all tests, ends the output, and the path of the
 # page that they make.
-all_stages=(format build asan tsan tidy coverage release)
+all_stages=(format build asan fuzz tsan tidy coverage release)
 
 declare -A about=(
     [format]="every source is formatted as .clang-format says"
     [build]="GCC builds everything, optimised, without a warning"
     [asan]="all tests under Clang's address, leak and undefined behaviour sanitizers"
+    [fuzz]="the fuzzers' seeds, and a fixed number of further inputs for each"
     [tsan]="the concurrent tests under Clang's thread sanitizer"
     [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
     [coverage]="the tests execute at least 95 % of the lines of core/ and src/"
@@ -36,9 +37,10 @@ list_stages()
 
 # ---- What each stage does ----------------------------------------------------------------------------
 
+# The build preset, and the configure preset where it has another name.
 build_preset()
 {
-    cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs"
+    cmake --preset "${2:-$1}" && cmake --build --preset "$1" -j "$jobs"
 }
 
 stage_format()
@@ -54,6 +56,11 @@ stage_build()
 stage_asan()
 {
     build_preset asan && ctest --preset asan -j "$jobs"
+}
+
+stage_fuzz()
+{
+    build_preset fuzz asan && ctest --preset fuzz -j "$jobs"
 }
 
 stage_tsan()
