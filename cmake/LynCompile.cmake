@@ -15,12 +15,6 @@ if(LYN_SANITIZE)
     add_link_options($<$<LINK_LANGUAGE:C>:-fsanitize-link-c++-runtime>)
     link_libraries($<$<LINK_LANGUAGE:C>:stdc++>)
 endif()
-if(LYN_COVERAGE)
-    # Counters are changed atomically: the library is called from many threads.
-    add_compile_options(--coverage -fprofile-update=atomic)
-    add_link_options(--coverage)
-endif()
-
 # A symbol that no library offers is an error when the library is linked, not when it is loaded. With a
 # sanitizer the Clang runtime is in the program alone.
 add_library(lyn_no_undefined INTERFACE)
@@ -33,4 +27,13 @@ endif()
 add_library(lyn_fuzzed INTERFACE)
 if(LYN_FUZZ)
     target_compile_options(lyn_fuzzed INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# lyn_counted: linked by the code whose executed lines are counted, the library's own.
+add_library(lyn_counted INTERFACE)
+if(LYN_COVERAGE)
+    # Counters are changed atomically: the library is called from many threads.
+    target_compile_options(lyn_counted INTERFACE
+        -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic)
+    target_link_options(lyn_counted INTERFACE -fprofile-instr-generate)
 endif()

@@ -19,6 +19,8 @@ set(lyn_test_environment
     "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1:${lyn_symbolizer}"
     "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:${lyn_symbolizer}"
     "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=${PROJECT_SOURCE_DIR}/tests/tsan/glib.supp:${lyn_symbolizer}"
+    # Where the executed lines are counted, some files for each program, which its processes add to.
+    "LLVM_PROFILE_FILE=${PROJECT_BINARY_DIR}/profile/%4m.profraw"
     # Every block of GLib's own allocator in the sanitizers' sight.
     "G_SLICE=always-malloc")
 

@@ -5,16 +5,15 @@
 
 # The release stage is the last one, so that its summary, of all tests, ends the output, and the path of the
 # page that they make.
-all_stages=(format build asan fuzz tsan tidy coverage release)
+all_stages=(format build asan fuzz tsan tidy release)
 
 declare -A about=(
     [format]="every source is formatted as .clang-format says"
     [build]="GCC builds everything, optimised, without a warning"
-    [asan]="all tests under Clang's address, leak and undefined behaviour sanitizers"
+    [asan]="all tests under Clang's sanitizers; they execute 95 % of the lines of core/ and src/ at least"
     [fuzz]="the fuzzers' seeds, and a fixed number of further inputs for each"
     [tsan]="the concurrent tests under Clang's thread sanitizer"
     [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
-    [coverage]="the tests execute at least 95 % of the lines of core/ and src/"
     [release]="all tests of the optimised build; they reach every log line, result, state and return value"
 )
 
@@ -55,7 +54,9 @@ stage_build()
 
 stage_asan()
 {
-    build_preset asan && ctest --preset asan -j "$jobs"
+    # Counts of an earlier run would be added to.
+    build_preset asan && rm -rf build/asan/profile && ctest --preset asan -j "$jobs" &&
+        scripts/coverage-report build/asan "$lowest_line_coverage"
 }
 
 stage_fuzz()
@@ -73,15 +74,6 @@ stage_tidy()
     # The build makes the generated sources and the list of commands.
     build_preset asan &&
         find core platform src tools -name '*.cpp' | sort | xargs -n 1 -P "$jobs" scripts/tidy-one build/asan
-}
-
-stage_coverage()
-{
-    # Counts of an earlier run would be added to.
-    build_preset coverage &&
-        find build/coverage -name '*.gcda' -delete &&
-        ctest --preset coverage -j "$jobs" &&
-        scripts/coverage-report build/coverage "$lowest_line_coverage"
 }
 
 stage_release()
