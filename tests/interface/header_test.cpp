@@ -56,6 +56,13 @@ TEST(PublicHeader, HasTheIntervals)
     EXPECT_EQ(LYN_ADV_INTERVAL_300, 4);
 }
 
+TEST(PublicHeader, HasTheNodLinkTypes)
+{
+    EXPECT_EQ(LYN_NOD_LINK_TYPE_MULTI_VIEW, 0);
+    EXPECT_EQ(LYN_NOD_LINK_TYPE_FULL_VIEW, 1);
+    EXPECT_EQ(LYN_NOD_LINK_TYPE_SOUND, 2);
+}
+
 TEST(PublicHeader, HasEnumerationsAsWideAsAnIntThatHoldAnyInt)
 {
     static_assert(std::is_same_v<std::underlying_type_t<lyn_error_e>, int>);
