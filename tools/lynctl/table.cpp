@@ -41,7 +41,10 @@ std::string Line(const std::vector<Cell>& cells, const std::vector<Column>& colu
     std::string out = bar;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string text = Fit(cells[i].text, widths[i], look.unicode);
-        out += " " + Paint(Pad(text, widths[i], columns[i].alignRight), cells[i].style, look) + " " + bar;
+        out += ' ';
+        out += Paint(Pad(text, widths[i], columns[i].alignRight), cells[i].style, look);
+        out += ' ';
+        out += bar;
     }
     return out + "\n";
 }

@@ -54,7 +54,8 @@ std::string Wrap(const std::string& printable, int width, int indent)
         if (rest.empty()) {
             return out;
         }
-        out += "\n" + std::string(static_cast<std::size_t>(indent), ' ');
+        out += '\n';
+        out.append(static_cast<std::size_t>(indent), ' ');
     }
 }
 
