@@ -10,7 +10,7 @@
 namespace lyn::test {
 namespace {
 
-constexpr int kLongMs = 20000;
+constexpr int kLongMs = 100000;
 
 }  // namespace
 
@@ -35,8 +35,11 @@ void RunBesideTheMainLoop(const std::vector<Work>& works)
     }
 }
 
-Client::Client(const std::string& service)
+Client::Client(const std::string& service, const std::function<void(Client&)>& prepare)
 {
+    if (prepare) {
+        prepare(*this);
+    }
     EXPECT_EQ(lyn_create_service(&m_handle, service.c_str(), StateCb, this), LYN_ERROR_NONE);
 }
 

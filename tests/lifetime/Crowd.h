@@ -25,7 +25,8 @@ bool RunUntilAtLast(const std::function<bool()>& done);
 /// no race of the library's.
 class Client {
 public:
-    explicit Client(const std::string& service);
+    /// @param prepare sets the callbacks below, before there is a service
+    explicit Client(const std::string& service, const std::function<void(Client&)>& prepare = {});
     ~Client();
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;

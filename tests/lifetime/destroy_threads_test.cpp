@@ -11,7 +11,16 @@
 namespace lyn::test {
 namespace {
 
-constexpr int kTurns = 150;
+constexpr int kTurns = 1000;
+
+/// Some time passes, a little more each turn, so that every step of what is under way is met.
+void Dawdle(int turn)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(turn % 100 * 5);
+    while (std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+    }
+}
 
 class DestroyingOnAnotherThread : public LivesOfEach {
 protected:
@@ -33,6 +42,7 @@ protected:
     {
         RunBesideTheMainLoop({[&] {
             for (int turn = 0; turn < kTurns; ++turn) {
+                simulator::ClearJournal();
                 Client& client = BeginClient();
                 live(client, turn);
                 EXPECT_EQ(client.Destroy(), LYN_ERROR_NONE);
@@ -51,9 +61,6 @@ protected:
         EXPECT_EQ(next.Destroy(), LYN_ERROR_NONE);
         ExpectNothingLeft();
     }
-
-    /// Some time passes, a little more each turn, so that every step of what is under way is met.
-    static void Dawdle(int turn) { std::this_thread::sleep_for(std::chrono::microseconds(turn % 40 * 25)); }
 
 private:
     std::vector<std::unique_ptr<Client>> m_clients;
@@ -168,6 +175,79 @@ TEST_P(DestroyingOnAnotherThread, RacesWithCallsOfTheSameHandle)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, DestroyingOnAnotherThread, ::testing::ValuesIn(AllServices()), ServiceName);
+
+/// Each report of a phone's link, met from shortly before to shortly after its delivery.
+class DestroyingDuringAReport : public DestroyingOnAnotherThread {
+protected:
+    using Phone = simulator::Phone;
+
+    /// Destroys soon after the platform has been called for what the report is about.
+    void RaceWithWhatFollows(const std::string& call, const std::function<void(Phone&)>& arrange = {})
+    {
+        Phone phone = PhoneFor(GetParam());
+        if (arrange) {
+            arrange(phone);
+        }
+        simulator::AddPhone(phone);
+        LiveAndDestroy([&](Client& client, int turn) {
+            EXPECT_EQ(client.Request(kPhone), LYN_ERROR_NONE);
+            // A late answer to the service before, over the same link, may end the request earlier.
+            while (CountCalls(call) == 0 && client.Results() == 0) {
+                std::this_thread::yield();
+            }
+            Dawdle(turn);
+        });
+        ExpectTheNextToServe();
+    }
+};
+
+TEST_P(DestroyingDuringAReport, OfAConnection)
+{
+    RaceWithWhatFollows("bt_gatt_connect");
+}
+
+TEST_P(DestroyingDuringAReport, OfAFailedConnection)
+{
+    RaceWithWhatFollows("bt_gatt_connect", [](Phone& phone) {
+        phone.connects = {{static_cast<int>(0xC0000001), 0}};
+    });
+}
+
+TEST_P(DestroyingDuringAReport, OfAFailedConnectionThatIsTriedAgain)
+{
+    RaceWithWhatFollows("bt_gatt_connect", [](Phone& phone) { phone.connects = {{133, 0}}; });
+}
+
+TEST_P(DestroyingDuringAReport, OfTheMtu)
+{
+    RaceWithWhatFollows("bt_gatt_client_request_att_mtu_change");
+}
+
+TEST_P(DestroyingDuringAReport, OfAWriteAndTheAnswer)
+{
+    RaceWithWhatFollows("bt_gatt_client_write_value");
+}
+
+TEST_P(DestroyingDuringAReport, OfAFailedWrite)
+{
+    RaceWithWhatFollows("bt_gatt_client_write_value", [](Phone& phone) {
+        CharacteristicOf(phone).answers[0] = {.kind = simulator::Answer::Kind::writeError, .text = {}, .code = 5};
+    });
+}
+
+TEST_P(DestroyingDuringAReport, OfALostLink)
+{
+    RaceWithWhatFollows("bt_gatt_client_write_value", [](Phone& phone) {
+        CharacteristicOf(phone).answers[0] = {.kind = simulator::Answer::Kind::disconnect, .text = {}};
+    });
+}
+
+TEST_P(DestroyingDuringAReport, OfADisconnection)
+{
+    RaceWithWhatFollows("bt_gatt_disconnect");
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, DestroyingDuringAReport, ::testing::ValuesIn(RadioServices()), ServiceName);
 
 }  // namespace
 }  // namespace lyn::test
