@@ -52,6 +52,24 @@ TEST_F(BluetoothTest, AConnectToAnAbsentPhoneFailsOnceInBoundedTime)
     EXPECT_TRUE(reports[0].connected);
 }
 
+TEST_F(PhoneTest, AReportRepeatsTheAddressAsItWasGiven)
+{
+    const auto change = [&](gchar (*convert)(gchar)) {
+        for (char& character : m_phone) {
+            character = convert(character);
+        }
+    };
+    for (const auto convert : {g_ascii_tolower, g_ascii_toupper}) {
+        change(convert);
+        Register();
+        Connect();
+        Disconnect();
+        ASSERT_EQ(m_reports.size(), 2U);
+        EXPECT_EQ(m_reports[0].address, m_phone);
+        EXPECT_EQ(m_reports[1].address, m_phone);
+    }
+}
+
 TEST_F(PhoneTest, AReportWhoseRegistrationHasEndedIsDropped)
 {
     Register();

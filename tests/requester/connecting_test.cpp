@@ -41,6 +41,15 @@ TEST_F(Connecting, IsTriedSixTimesAtMost)
     EXPECT_EQ(CountCalls("bt_gatt_disconnect"), 0);
 }
 
+TEST_F(Connecting, TakesADeviceIdInLowerCase)
+{
+    PhoneAnswers({Says("Success")});
+    EXPECT_EQ(app.Request("aa:bb:cc:dd:ee:01"), LYN_ERROR_NONE);
+    EXPECT_TRUE(app.WaitForResult());
+    EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_SUCCESS);
+    EXPECT_EQ(Calls("bt_gatt_connect"), (Texts{"bt_gatt_connect(\"aa:bb:cc:dd:ee:01\", false)"})) << "as given";
+}
+
 TEST_F(Connecting, MakesThesePlatformCallsWhenEveryAttemptFails)
 {
     PhoneConnects({-1});

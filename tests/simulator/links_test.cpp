@@ -62,11 +62,26 @@ TEST_F(Links, WhatIsNoAddressIsRefused)
     EXPECT_TRUE(user.reports.empty());
 }
 
-TEST_F(Links, AnAddressIsTakenInEitherCaseAndReportedInUpperCase)
+TEST_F(Links, AnAddressIsTakenInEitherCaseAndReportedAsItWasGiven)
 {
+    constexpr const char* kMixed = "aA:bB:cc:dd:ee:01";
     AddPhone(phone);
     Connect("aa:bb:cc:dd:ee:01");
+    ASSERT_EQ(bt_gatt_disconnect(kPhone), 0);
+    ASSERT_EQ(bt_gatt_connect(kMixed, false), 0) << "while the old link goes down";
+    Settle();
+    EXPECT_EQ(user.reports,
+              (Reports{{0, true, "aa:bb:cc:dd:ee:01"}, {0, false, "aa:bb:cc:dd:ee:01"}, {0, true, kMixed}}));
+    user.reports.clear();
+    user.Register();
+    Connect(kPhone);  // The link that is up is taken over.
     EXPECT_EQ(user.reports, (Reports{{0, true, kPhone}}));
+}
+
+TEST_F(Links, AFailedConnectIsReportedWithTheAddressAsItWasGiven)
+{
+    Connect("aa:bb:cc:dd:ee:01");
+    EXPECT_EQ(user.reports, (Reports{{kConnectTimedOut, true, "aa:bb:cc:dd:ee:01"}}));
 }
 
 TEST_F(Links, ConnectsEndAsScriptedAndTheLastOutcomeStays)

@@ -10,6 +10,8 @@
  *    connect that never ends is the platform's to end: it reports 0xC0000001.
  *  - Every accepted bt_gatt_disconnect() on a live link is answered by one (0, false) report. A link
  *    that is lost is reported once as (code, false).
+ *  - Reports repeat the address exactly as it was given to bt_gatt_connect(): callers compare it as a
+ *    text.
  *  - A report belongs to the registration that was in force when its connect was accepted. If that
  *    registration has been unset or replaced since, the report is dropped.
  *  - A connect to a phone whose old link is still going down is accepted, and begins when it is down.
@@ -36,7 +38,10 @@ typedef struct {
     unsigned status;            /**< 0, or why the MTU did not change */
 } bt_gatt_client_att_mtu_info_s;
 
-/** Reports the end of a connect (connected is true, also for a failed one) or of a link (false). */
+/**
+ * Reports the end of a connect (connected is true, also for a failed one) or of a link (false).
+ * @param remote_address the phone, as given to bt_gatt_connect()
+ */
 typedef void (*bt_gatt_connection_state_changed_cb)(int result, bool connected, const char *remote_address,
                                                     void *user_data);
 
@@ -62,7 +67,7 @@ int bt_gatt_unset_connection_state_changed_cb(void);
 
 /**
  * Begins to connect to a phone's GATT server.
- * @param address the phone, as reported by the scan
+ * @param address the phone; letters of either case, whatever the case of the scan's reports
  * @param auto_connect true to wait for a phone that is not there yet
  * @return 0 when the attempt was begun; its end is reported
  */

@@ -62,7 +62,7 @@ int bt_gatt_connect(const char* address, bool auto_connect)
 {
     return Perform("bt_gatt_connect", In(address, auto_connect), [&](PlatformCall& call) {
         return WithAddress(address, [&](const std::string& canonical) {
-            return call.simulator.links.Connect(canonical, auto_connect);
+            return call.simulator.links.Connect(canonical, address, auto_connect);
         });
     });
 }

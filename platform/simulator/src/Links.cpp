@@ -27,20 +27,20 @@ void Links::Reset()
     deadlineMs = kDefaultDeadlineMs;
 }
 
-int Links::Connect(const std::string& address, bool waitForPhone)
+int Links::Connect(const std::string& address, const std::string& given, bool waitForPhone)
 {
     if (!m_simulator.adapter.IsOn()) {
         return kAdapterOff;
     }
     const auto found = m_links.find(address);
     if (found == m_links.end()) {
-        Open(address, registration.id, waitForPhone);
+        Open(address, given, registration.id, waitForPhone);
         return 0;
     }
-    return JoinRunning(address, found->second, waitForPhone);
+    return JoinRunning(address, given, found->second, waitForPhone);
 }
 
-int Links::JoinRunning(const std::string& address, Link& link, bool waitForPhone)
+int Links::JoinRunning(const std::string& address, const std::string& given, Link& link, bool waitForPhone)
 {
     const std::uint64_t owner = link.state == Link::State::goingDown ? link.next : link.registration;
     const bool owned = link.state != Link::State::goingDown || link.hasNext;
@@ -49,11 +49,13 @@ int Links::JoinRunning(const std::string& address, Link& link, bool waitForPhone
     }
     if (link.state == Link::State::goingDown) {
         link.hasNext = true;
+        link.nextGiven = given;
         link.next = registration.id;
         link.nextWaits = waitForPhone;
         return 0;
     }
     // Left over from a registration that has ended: its end is now this registration's.
+    link.given = given;
     link.registration = registration.id;
     if (link.state == Link::State::up) {
         link.announced = false;
@@ -123,11 +125,13 @@ Link* Links::Find(const std::string& address, std::uint64_t id)
     return found != m_links.end() && found->second.id == id ? &found->second : nullptr;
 }
 
-void Links::Open(const std::string& address, std::uint64_t registrationId, bool waitForPhone)
+void Links::Open(const std::string& address, const std::string& given, std::uint64_t registrationId,
+                 bool waitForPhone)
 {
     Link& link = m_links[address];
     link = {};
     link.id = m_simulator.NewId();
+    link.given = given;
     link.registration = registrationId;
     link.waitsForPhone = waitForPhone;
     Begin(address, link);
@@ -184,6 +188,7 @@ void Links::EndConnect(const std::string& address, std::uint64_t id, std::uint64
     if (link == nullptr || link->attempt != attempt || link->state != Link::State::connecting) {
         return;
     }
+    const std::string given = link->given;
     const std::uint64_t owner = link->registration;
     if (IsSuccess(code) && !m_simulator.adapter.IsOn()) {
         code = kAdapterOff;
@@ -200,7 +205,7 @@ void Links::EndConnect(const std::string& address, std::uint64_t id, std::uint64
     lock.unlock();
     m_simulator.air.Tell(IsSuccess(code) ? LYN_SIMULATOR_AIR_CONNECTED : LYN_SIMULATOR_AIR_CONNECT_FAILED,
                          address);
-    Report(owner, code, true, address);
+    Report(owner, code, true, given);
 }
 
 void Links::AnnounceAgain(const std::string& address, std::uint64_t id)
@@ -211,9 +216,10 @@ void Links::AnnounceAgain(const std::string& address, std::uint64_t id)
         return;
     }
     link->announced = true;
+    const std::string given = link->given;
     const std::uint64_t owner = link->registration;
     lock.unlock();
-    Report(owner, 0, true, address);
+    Report(owner, 0, true, given);
 }
 
 void Links::EndLink(const std::string& address, std::uint64_t id, int code)
@@ -226,25 +232,25 @@ void Links::EndLink(const std::string& address, std::uint64_t id, int code)
     const Link link = *found;
     m_links.erase(address);
     if (link.hasNext) {
-        Open(address, link.next, link.nextWaits);
+        Open(address, link.nextGiven, link.next, link.nextWaits);
     }
     lock.unlock();
     if (!link.announced) {
         m_simulator.air.Tell(LYN_SIMULATOR_AIR_CONNECT_FAILED, address);
-        Report(link.registration, IsSuccess(code) ? kLinkLost : code, true, address);
+        Report(link.registration, IsSuccess(code) ? kLinkLost : code, true, link.given);
         return;
     }
     m_simulator.air.Tell(LYN_SIMULATOR_AIR_DISCONNECTED, address);
-    Report(link.registration, code, false, address);
+    Report(link.registration, code, false, link.given);
 }
 
-void Links::Report(std::uint64_t registrationId, int code, bool connected, const std::string& address)
+void Links::Report(std::uint64_t registrationId, int code, bool connected, const std::string& given)
 {
     std::unique_lock lock(m_simulator.mutex);
     const auto current = registration;
     lock.unlock();
     if (current.Holds(registrationId)) {
-        current.callback(code, connected, address.c_str(), current.userData);
+        current.callback(code, connected, given.c_str(), current.userData);
     }
 }
 

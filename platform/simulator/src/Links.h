@@ -19,8 +19,10 @@ struct Link {
     std::uint64_t id = 0;            ///< of this link; a later link to the phone has another
     std::uint64_t attempt = 0;       ///< the one end of a connect that is awaited
     Loop::Ticket coming;             ///< that end, and then the drop by the phone
+    std::string given;               ///< the address as the connect has it; reports repeat it
     std::uint64_t registration = 0;  ///< in force when the connect was accepted
-    std::uint64_t next = 0;          ///< registration of the connect that waits for the link to be down
+    std::string nextGiven;           ///< address and ...
+    std::uint64_t next = 0;          ///< ... registration of the connect that waits for the link to be down
     bool hasNext = false;
     bool nextWaits = false;      ///< ... and may wait for its phone
     bool waitsForPhone = false;  ///< connecting to a phone that is not there yet
@@ -35,7 +37,8 @@ public:
 
     void Reset();
 
-    int Connect(const std::string& address, bool waitForPhone);
+    /// @param given the address as the caller writes it
+    int Connect(const std::string& address, const std::string& given, bool waitForPhone);
     int Disconnect(const std::string& address);
 
     /// The phone dropped its link, or went away: a link that is up is lost.
@@ -56,9 +59,10 @@ private:
     static constexpr int kDefaultDeadlineMs = 30'000;
 
     Link* Find(const std::string& address, std::uint64_t id);
-    void Open(const std::string& address, std::uint64_t registrationId, bool waitForPhone);
+    void Open(const std::string& address, const std::string& given, std::uint64_t registrationId,
+              bool waitForPhone);
     void Begin(const std::string& address, Link& link);
-    int JoinRunning(const std::string& address, Link& link, bool waitForPhone);
+    int JoinRunning(const std::string& address, const std::string& given, Link& link, bool waitForPhone);
     void TakeDown(const std::string& address, Link& link, int code, int delayMs);
     void ScheduleDrop(const std::string& address, Link& link);
 
@@ -66,7 +70,7 @@ private:
     void EndConnect(const std::string& address, std::uint64_t id, std::uint64_t attempt, int code);
     void AnnounceAgain(const std::string& address, std::uint64_t id);
     void EndLink(const std::string& address, std::uint64_t id, int code);
-    void Report(std::uint64_t registrationId, int code, bool connected, const std::string& address);
+    void Report(std::uint64_t registrationId, int code, bool connected, const std::string& given);
 
     Simulator& m_simulator;
     std::map<std::string, Link> m_links;
