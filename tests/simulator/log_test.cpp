@@ -79,6 +79,13 @@ protected:
     }
 };
 
+TEST_F(LogCapture, KeepsControlBytesAsTheyAre)
+{
+    platform_log_print(0, 6, "TAG", "%s", "\033[2J\r\x9b");
+    ASSERT_EQ(Log().size(), 1U);
+    EXPECT_EQ(Log()[0].text, "\033[2J\r\x9b");
+}
+
 TEST_F(KernelLogCapture, KeepsTheBytesOfOneWriteTogether)
 {
     const std::string zeros("[a]\0\0b", 6);

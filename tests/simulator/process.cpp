@@ -40,6 +40,7 @@ int main()
     std::printf("phones %zu\n", lyn::simulator::Phones().size());
     platform_log_print(0, 3, "TAG", "a debug line");
     platform_log_print(0, 6, "TAG", "an error line");
+    platform_log_print(0, 6, "TAG", "%s", "hostile \033[2J\r\n\x7f\xc2\x9b\x9b Zo\xc3\xab \xe2\x80\xae.");
     char place[512];
     std::printf("path %d\n", platform_file_path("/opt/etc/.lyn_appid", place, sizeof place));
     std::printf("file %s\n", place);

@@ -112,5 +112,13 @@ TEST(Process, ShowsTheLogAsTheEnvironmentSays)
     EXPECT_EQ(all.find('\033'), std::string::npos) << "colours are for terminals";
 }
 
+TEST(Process, WritesOutInTheShownLogWhatCouldSteerATerminal)
+{
+    const std::string output = Output("LYN_LOG_LEVEL=error");
+    const std::string shown =
+        " E/TAG: hostile \\x1b[2J\\x0d\\x0a\\x7f\\xc2\\x9b\\x9b Zo\xc3\xab \\xe2\\x80\\xae.\n";
+    EXPECT_NE(output.find(shown), std::string::npos) << output;
+}
+
 }  // namespace
 }  // namespace lyn::simulator::test

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LogBook.h"
 
+#include <glib.h>
 #include <unistd.h>
 
 #include <array>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 #include <utility>
 
 namespace lyn::simulator {
@@ -19,6 +21,7 @@ constexpr int kError = 6;
 constexpr int kNone = 7;
 constexpr int kNotAsked = kNone + 1;
 constexpr std::size_t kMaxLines = 200'000;
+constexpr gunichar kLastCharacter = 0x10FFFF;
 
 int LevelFromEnvironment()
 {
@@ -71,6 +74,34 @@ const char* Colour(int priority)
 {
     static constexpr std::array<const char*, 4> kColours = {"\033[2m", "", "\033[33m", "\033[31m"};
     return priority >= kDebug && priority <= kError ? kColours[static_cast<std::size_t>(priority - kDebug)] : "";
+}
+
+void AppendWrittenOut(std::string& shown, std::string_view bytes)
+{
+    for (const char byte : bytes) {
+        std::array<char, 5> text{};
+        std::snprintf(text.data(), text.size(), "\\x%02x",
+                      static_cast<unsigned>(static_cast<unsigned char>(byte)));
+        shown += text.data();
+    }
+}
+
+/// The text as a terminal may get it: the names in it are chosen by strangers.
+std::string Printable(std::string_view text)
+{
+    std::string shown;
+    while (!text.empty()) {
+        const gunichar character = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
+        const bool isValid = character <= kLastCharacter;
+        const auto length = isValid ? static_cast<std::size_t>(g_unichar_to_utf8(character, nullptr)) : 1;
+        if (isValid && g_unichar_isprint(character) != FALSE) {
+            shown += text.substr(0, length);
+        } else {
+            AppendWrittenOut(shown, text.substr(0, length));
+        }
+        text.remove_prefix(length);
+    }
+    return shown;
 }
 
 }  // namespace
@@ -145,7 +176,7 @@ void LogBook::Show(const LogLine& line) const
 {
     const char* colour = m_coloured ? Colour(line.priority) : "";
     std::fprintf(stderr, "%s%s %c/%s: %s%s\n", colour, TimeText().c_str(), Letter(line.priority), line.tag.c_str(),
-                 line.text.c_str(), *colour != '\0' ? "\033[0m" : "");
+                 Printable(line.text).c_str(), *colour != '\0' ? "\033[0m" : "");
 }
 
 }  // namespace lyn::simulator
