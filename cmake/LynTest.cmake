@@ -12,6 +12,10 @@
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
+# The system's own Python has the packages that are installed for the tests; another one may not.
+find_program(LYN_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+find_program(LYN_PYTHON python3 REQUIRED)
+
 # Names functions and lines in the sanitizers' reports.
 find_program(LYN_SYMBOLIZER llvm-symbolizer HINTS /usr/lib/llvm-14/bin)
 set(lyn_symbolizer "external_symbolizer_path=${LYN_SYMBOLIZER}")
