@@ -8,6 +8,8 @@
 #include <optional>
 #include <stdexcept>
 
+#include "Room.h"
+
 namespace lyn::fuzz {
 namespace {
 
@@ -115,7 +117,7 @@ lyn_request_initiating_result_e ExpectResult(const std::string& answer)
     if (answer.empty()) {
         return LYN_REQUEST_INITIATING_RESULT_GATT_FAIL;
     }
-    const auto found = documented.find(answer.c_str());
+    const auto found = documented.find(UpToZero(answer));
     return static_cast<lyn_request_initiating_result_e>(found != documented.end() ? found->second : 3);
 }
 
@@ -127,7 +129,7 @@ ExpectedExchange ExpectNodLinkExchange(const std::vector<std::string>& answers, 
             if (answer.empty()) {
                 break;  // Nobody hears it.
             }
-            const std::string heard = answer.c_str();  // Up to the first zero byte.
+            const std::string heard = UpToZero(answer);
             if (heard.empty()) {
                 exchange.result = LYN_REQUEST_INITIATING_RESULT_UNKNOWN_ERR;
                 break;

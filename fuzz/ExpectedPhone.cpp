@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "Room.h"
+
 namespace lyn::fuzz {
 namespace {
 
@@ -33,11 +35,6 @@ std::optional<Manufacturer> ReadPacket(const std::optional<simulator::Bytes>& pa
         }
     }
     return std::nullopt;
-}
-
-std::string UpToZero(const std::string& text)
-{
-    return text.substr(0, text.find('\0'));
 }
 
 std::optional<ExpectedPhone> ExpectPhoneWithName(bool isKov, const Manufacturer& advertised,

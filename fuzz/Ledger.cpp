@@ -61,7 +61,7 @@ Asked& Ledger::Ask(Life* life)
     return m_asked.emplace_back(Asked{life});
 }
 
-void Ledger::OnState(Life& life, lyn_state_e state)
+void Ledger::OnState(Life& life, lyn_state_e state) const
 {
     Require(life.isAlive, "no state is reported before the creation or after the end");
     Require(state >= LYN_STATE_READY && state <= LYN_STATE_NOT_READY, "a state is one of the enumeration");
@@ -81,14 +81,14 @@ void Ledger::OnState(Life& life, lyn_state_e state)
     life.reports.push_back(state);
 }
 
-void Ledger::OnPhone(const Asked& asked)
+void Ledger::OnPhone(const Asked& asked) const
 {
     Require(asked.life != nullptr && asked.life->isAlive, "no phone is reported after the end");
     Require(asked.life->phonesTo == &asked, "the last given device callback is called");
     RequireNothingDue();
 }
 
-void Ledger::OnResult(const Asked& asked, lyn_request_initiating_result_e result)
+void Ledger::OnResult(const Asked& asked, lyn_request_initiating_result_e result) const
 {
     Require(result >= LYN_REQUEST_INITIATING_RESULT_SUCCESS &&
                 result <= LYN_REQUEST_INITIATING_RESULT_GATT_DISCONNECTED &&

@@ -71,9 +71,9 @@ public:
     };
 
     /// What a callback of the library has said.
-    void OnState(Life& life, lyn_state_e state);
-    void OnPhone(const Asked& asked);
-    void OnResult(const Asked& asked, lyn_request_initiating_result_e result);
+    void OnState(Life& life, lyn_state_e state) const;
+    void OnPhone(const Asked& asked) const;
+    void OnResult(const Asked& asked, lyn_request_initiating_result_e result) const;
     /// Between two steps, outside of callbacks.
     void RequireNothingDue() const;
 

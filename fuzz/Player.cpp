@@ -12,7 +12,6 @@ namespace {
 using Call = Ledger::Call;
 using Scope = Ledger::CallScope;
 
-constexpr std::size_t MOST_STEPS = 100;
 constexpr std::array<const char*, 6> SERVICES = {"mirroring", "kov", "nodlink", "dummy", "unknown", nullptr};
 constexpr std::array<const char*, 5> EXTRA_DATA = {"", R"({"appid":"music"})", "null", "[1]", "{"};
 constexpr std::array<const char*, 4> VERSIONS = {"2.0", "3.0", "4.0", nullptr};
@@ -44,16 +43,33 @@ std::size_t Player::Pick(std::size_t count)
 
 bool Player::PlayCall(char step)
 {
-    if (std::strchr("dsjxrRaAvte", step) != nullptr && PlayOtherHandle(step)) {
-        return true;
+    const bool hasHandle = std::strchr("dsjxrRaAvte", step) != nullptr;
+    if (hasHandle) {
+        const std::size_t which = std::exchange(m_handleOfNextCall, ALIVE);
+        if (which != ALIVE || m_ledger.Living() == nullptr) {
+            PlayRefused(step, which == STALE);
+            return true;
+        }
+        return PlayWork(step) || PlayRest(step);
     }
     switch (step) {
     case 'c':
         Create();
         return true;
-    case 'd':
-        Destroy();
+    case 'h':
+        m_handleOfNextCall = Pick(3);
         return true;
+    case '!':
+        m_reaction = m_input.TakeByte();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool Player::PlayWork(char step)
+{
+    switch (step) {
     case 's':
     case 'j':
         StartScan(step == 'j');
@@ -75,6 +91,17 @@ bool Player::PlayCall(char step)
     case 'A':
         StopAdvertise();
         return true;
+    default:
+        return false;
+    }
+}
+
+bool Player::PlayRest(char step)
+{
+    switch (step) {
+    case 'd':
+        Destroy();
+        return true;
     case 'v':
         SetVersion();
         return true;
@@ -84,69 +111,53 @@ bool Player::PlayCall(char step)
     case 'e':
         GetErrorString();
         return true;
-    case 'h':
-        m_handleOfNextCall = Pick(3);
-        return true;
-    case '!':
-        m_reaction = m_input.TakeByte();
-        return true;
     default:
         return false;
     }
 }
 
-bool Player::PlayOtherHandle(char step)
+void Player::PlayRefused(char step, bool isStale)
 {
     const Life* life = m_ledger.Living();
-    const std::size_t which = std::exchange(m_handleOfNextCall, ALIVE);
-    if (which == ALIVE && life != nullptr) {
-        return false;
+    // A new service may have got the address of the last one.
+    lyn_service_h handle = isStale && (life == nullptr || life->handle != m_stale) ? m_stale : nullptr;
+    if (step == 'e') {
+        const std::string text =
+            lyn_get_request_initiating_error_string(handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS);
+        Require(text == "UnknownErr", "a handle that is not alive names no result");
+        return;
     }
-    lyn_service_h handle = which == STALE && (life == nullptr || life->handle != m_stale) ? m_stale : nullptr;
-    const lyn_error_e stale = handle == nullptr ? LYN_ERROR_INVALID_HANDLE : LYN_ERROR_INVALID_PARAMETER;
-    const auto refused = [](lyn_error_e error, lyn_error_e expected) {
-        Require(error == expected, "a handle that is not alive is refused with its documented error");
-    };
+    const bool isInvalidHandle = handle == nullptr || step == 'd';
+    Require(CallWith(handle, step) == (isInvalidHandle ? LYN_ERROR_INVALID_HANDLE : LYN_ERROR_INVALID_PARAMETER),
+            "a handle that is not alive is refused with its documented error");
+}
+
+lyn_error_e Player::CallWith(lyn_service_h handle, char step)
+{
     Asked& asked = m_ledger.Ask(nullptr);
     nod_link_type type = 0;
     switch (step) {
     case 'd':
-        refused(lyn_destroy_service(handle), LYN_ERROR_INVALID_HANDLE);
-        break;
+        return lyn_destroy_service(handle);
     case 's':
-        refused(lyn_start_scan(handle, OnFound, &asked), stale);
-        break;
+        return lyn_start_scan(handle, OnFound, &asked);
     case 'j':
-        refused(lyn_start_scan_with_serialization(handle, OnJson, &asked), stale);
-        break;
+        return lyn_start_scan_with_serialization(handle, OnJson, &asked);
     case 'x':
-        refused(lyn_stop_scan(handle), stale);
-        break;
+        return lyn_stop_scan(handle);
     case 'r':
-        refused(lyn_request_initiating(handle, PickPhone(), OnResult, &asked), stale);
-        break;
+        return lyn_request_initiating(handle, PickPhone(), OnResult, &asked);
     case 'R':
-        refused(lyn_request_initiating_with_extra_data(handle, PickPhone(), "", OnResult, &asked), stale);
-        break;
+        return lyn_request_initiating_with_extra_data(handle, PickPhone(), "", OnResult, &asked);
     case 'a':
-        refused(lyn_start_advertise(handle, LYN_ADV_INTERVAL_50), stale);
-        break;
+        return lyn_start_advertise(handle, LYN_ADV_INTERVAL_50);
     case 'A':
-        refused(lyn_stop_advertise(handle), stale);
-        break;
+        return lyn_stop_advertise(handle);
     case 'v':
-        refused(lyn_set_nodlink_version(handle, "2.0"), stale);
-        break;
-    case 't':
-        refused(lyn_get_nodlink_type(handle, &type), stale);
-        break;
+        return lyn_set_nodlink_version(handle, "2.0");
     default:
-        Require(lyn_get_request_initiating_error_string(handle, LYN_REQUEST_INITIATING_RESULT_SUCCESS) ==
-                    std::string("UnknownErr"),
-                "a handle that is not alive names no result");
-        break;
+        return lyn_get_nodlink_type(handle, &type);
     }
-    return true;
 }
 
 void Player::Create()
@@ -154,6 +165,21 @@ void Player::Create()
     const std::size_t kind = Pick(SERVICES.size() + 1);
     const bool isHandleInUse = kind == SERVICES.size();
     CreateService(SERVICES[isHandleInUse ? 0 : kind], isHandleInUse);
+}
+
+lyn_error_e Player::ExpectCreation(const char* name, bool isHandleInUse, bool isAlone) const
+{
+    if (isHandleInUse || name == nullptr) {
+        return LYN_ERROR_INVALID_PARAMETER;
+    }
+    const std::string service = name;
+    if (!isAlone) {
+        return LYN_ERROR_ALREADY_DONE;
+    }
+    if (service == "nodlink" && !(m_isBluetoothOn && m_isPowerGood)) {
+        return LYN_ERROR_INTERNAL;
+    }
+    return service == "unknown" ? LYN_ERROR_INVALID_PARAMETER : LYN_ERROR_NONE;
 }
 
 void Player::CreateService(const char* name, bool isHandleInUse)
@@ -164,16 +190,7 @@ void Player::CreateService(const char* name, bool isHandleInUse)
     const std::string service = name != nullptr ? name : "";
     Life& life = m_ledger.Announce(service, m_hasFaults);
     const lyn_error_e error = lyn_create_service(&handle, name, OnState, &life);
-    lyn_error_e expected = LYN_ERROR_NONE;
-    if (isHandleInUse || name == nullptr) {
-        expected = LYN_ERROR_INVALID_PARAMETER;
-    } else if (!isAlone) {
-        expected = LYN_ERROR_ALREADY_DONE;
-    } else if (service == "unknown") {
-        expected = LYN_ERROR_INVALID_PARAMETER;
-    } else if (service == "nodlink" && !(m_isBluetoothOn && m_isPowerGood)) {
-        expected = LYN_ERROR_INTERNAL;
-    }
+    const lyn_error_e expected = ExpectCreation(name, isHandleInUse, isAlone);
     const auto isUndecided = [](lyn_error_e value) {
         // Bluetooth that cannot be made ready is no reason to refuse, a state that cannot be read is one.
         return value == LYN_ERROR_NONE || value == LYN_ERROR_INTERNAL;
@@ -366,29 +383,6 @@ void Player::OnResult(lyn_request_initiating_result_e result, void* userData)
     asked.life->ledger->OnResult(asked, result);
     Player& player = *asked.life->player;
     player.React(std::exchange(player.m_reaction, 0U));
-}
-
-void Player::Play()
-{
-    constexpr std::array<const char*, 5> phones = {"AA:00:00:00:00:00", "AA:00:00:00:00:01", "AA:00:00:00:00:02",
-                                                   "AA:00:00:00:00:03", "AA:00:00:00:00:04"};
-    // Written once: the folder is the same in all inputs.
-    static const bool isWritten = [] {
-        simulator::WriteFile("/usr/apps/com.calyxon.tv.nfc-daemon/data/meta_data_nodlink.json",
-                             R"({"screenmirroring_fullview":["video"]})");
-        return true;
-    }();
-    Require(isWritten, "there is a metadata file");
-    simulator::SetConnectDeadline(0);
-    for (std::size_t i = 0; i + 1 < phones.size(); ++i) {  // The last one is not there yet.
-        AddPhone(phones[i], i);
-    }
-    for (std::size_t steps = 0; !m_input.IsEmpty() && steps < MOST_STEPS; ++steps) {
-        Step();
-        m_ledger.RequireNothingDue();
-        RequireNothingLeft();
-    }
-    Finish();
 }
 
 }  // namespace lyn::fuzz

@@ -23,12 +23,17 @@
 //   W CODE     a write's completion             k  l     keep all registrations; call the kept ones
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "Ledger.h"
 #include "Room.h"
 
 namespace lyn::fuzz {
+
+/// The phones of a sequence; the last one is not there at its beginning.
+inline constexpr std::array<const char*, 5> PHONES = {
+    "AA:00:00:00:00:00", "AA:00:00:00:00:01", "AA:00:00:00:00:02", "AA:00:00:00:00:03", "AA:00:00:00:00:04"};
 
 class Player {
 public:
@@ -54,7 +59,13 @@ private:
 
     void Step();
     bool PlayCall(char step);
+    bool PlayWork(char step);
+    bool PlayRest(char step);
+    /// A call with a handle that is not alive.
+    void PlayRefused(char step, bool isStale);
+    lyn_error_e CallWith(lyn_service_h handle, char step);
     bool PlayEvent(char step);
+    bool PlayTv(char step);
     bool PlayFault(char step);
     bool PlayReport(char step);
     void RequireNothingLeft() const;
@@ -65,9 +76,8 @@ private:
 
     void Create();
     void CreateService(const char* name, bool isHandleInUse);
+    lyn_error_e ExpectCreation(const char* name, bool isHandleInUse, bool isAlone) const;
     void Destroy();
-    /// Plays a call with a handle that is not alive. False when it is the living one's turn.
-    bool PlayOtherHandle(char step);
     void StartScan(bool isSerialized);
     void StopScan();
     void Request(const char* phone, const char* extraData);

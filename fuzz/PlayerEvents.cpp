@@ -4,7 +4,6 @@
 #include <glib.h>
 
 #include <array>
-#include <string_view>
 
 #include "Player.h"
 #include "support/Clock.h"
@@ -14,9 +13,6 @@ namespace {
 
 using simulator::Answer;
 
-constexpr std::string_view STEPS = "cdsjxrRaAvteh!bBqpmPzgGyw.,fFn0CMNWkl";
-constexpr std::array<const char*, 5> PHONES = {"AA:00:00:00:00:00", "AA:00:00:00:00:01", "AA:00:00:00:00:02",
-                                               "AA:00:00:00:00:03", "AA:00:00:00:00:04"};
 constexpr std::array<const char*, 3> CHARACTERISTICS = {"9be85432-b1db-416c-9e1c-d6d381305337",
                                                         "fc4e4003-dd1f-4896-bc77-35a759445f69",
                                                         "7909f901-904c-11e6-bdf4-9bbdfdaad9d9"};
@@ -118,15 +114,6 @@ void Bend(simulator::Phone& phone, std::size_t behaviour)
 
 }  // namespace
 
-void Player::Step()
-{
-    const auto byte = static_cast<char>(m_input.TakeByte());
-    const char step =
-        STEPS.find(byte) != std::string_view::npos ? byte : STEPS[static_cast<unsigned char>(byte) % STEPS.size()];
-    const bool isPlayed = PlayCall(step) || PlayEvent(step) || PlayFault(step) || PlayReport(step);
-    Require(isPlayed, "every letter is a step");
-}
-
 const char* Player::PickPhone()
 {
     return PHONES[Pick(PHONES.size())];
@@ -134,6 +121,36 @@ const char* Player::PickPhone()
 
 bool Player::PlayEvent(char step)
 {
+    constexpr std::size_t behaviours = 18;
+    switch (step) {
+    case 'g':
+        simulator::RemovePhone(PickPhone());
+        return true;
+    case 'G': {
+        const char* phone = PickPhone();
+        AddPhone(phone, Pick(behaviours));
+        return true;
+    }
+    case 'y':
+        Advertise();
+        return true;
+    case 'w':
+        test::ElapseTimeout();
+        return true;
+    case '.':
+        simulator::Settle();
+        return true;
+    case ',':
+        g_main_context_iteration(nullptr, FALSE);
+        return true;
+    default:
+        return PlayTv(step);
+    }
+}
+
+bool Player::PlayTv(char step)
+{
+    constexpr std::array<int, 4> channels = {0, 99, -1, 5};
     switch (step) {
     case 'b':
     case 'B':
@@ -151,31 +168,9 @@ bool Player::PlayEvent(char step)
     case 'P':
         SetPower(static_cast<int>(Pick(6)));
         return true;
-    case 'z': {
-        constexpr std::array<int, 4> channels = {0, 99, -1, 5};
-        simulator::SetSetting("memory/menu/network/screenmirroring/p2p_listen_channel", channels[Pick(4)]);
-        return true;
-    }
-    case 'g':
-        simulator::RemovePhone(PickPhone());
-        return true;
-    case 'G': {
-        const char* phone = PickPhone();
-        constexpr std::size_t behaviours = 18;
-        AddPhone(phone, Pick(behaviours));
-        return true;
-    }
-    case 'y':
-        Advertise();
-        return true;
-    case 'w':
-        test::ElapseTimeout();
-        return true;
-    case '.':
-        simulator::Settle();
-        return true;
-    case ',':
-        g_main_context_iteration(nullptr, FALSE);
+    case 'z':
+        simulator::SetSetting("memory/menu/network/screenmirroring/p2p_listen_channel",
+                              channels[Pick(channels.size())]);
         return true;
     default:
         return false;
@@ -344,37 +339,6 @@ void Player::CallKept()
     call(kept.adapter, 0, BT_ADAPTER_ENABLED);
     call(kept.powerOff, &suspend);
     call(kept.ambient, &suspend);
-}
-
-void Player::RequireNothingLeft() const
-{
-    if (m_ledger.Living() != nullptr || m_mayLeave) {
-        return;
-    }
-    const Registrations left = Register();
-    Require(left.adapter.callback == nullptr && left.powerOff.callback == nullptr &&
-                left.ambient.callback == nullptr && left.connection.callback == nullptr,
-            "nothing but a scan that was not stopped is registered after the end");
-    const simulator::Counts alive = simulator::Alive();
-    Require(alive.clients == 0, "no client is left behind");
-    Require(alive.productInits == 0, "Bluetooth is given back");
-    Require(alive.wifiDirectInits == 0, "Wi-Fi Direct is given back");
-}
-
-void Player::Finish()
-{
-    m_reaction = 0;
-    simulator::ClearFaults();
-    simulator::Settle();
-    while (test::ElapseTimeout()) {
-        simulator::Settle();
-    }
-    if (Life* life = m_ledger.Living(); life != nullptr) {
-        Require(!life->isOpen, "an accepted request has a result when its time is over");
-        Destroy();
-    }
-    simulator::Settle();
-    RequireNothingLeft();
 }
 
 }  // namespace lyn::fuzz

@@ -36,12 +36,15 @@ private:
 
 }  // namespace
 
-void Require(bool holds, const std::string& promise)
+void Break(const std::string& promise)
 {
-    if (!holds) {
-        std::fprintf(stderr, "broken promise: %s\n", promise.c_str());
-        std::abort();
-    }
+    std::fprintf(stderr, "broken promise: %s\n", promise.c_str());
+    std::abort();
+}
+
+std::string UpToZero(const std::string& text)
+{
+    return text.substr(0, text.find('\0'));
 }
 
 bool IsAsciiLine(const std::string& text)

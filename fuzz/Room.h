@@ -17,8 +17,18 @@ namespace lyn::fuzz {
 constexpr const char* ADDRESS = "AA:BB:CC:DD:EE:01";
 constexpr const char* UNIQUE_ID = "0123456789abcdefghijkl";
 
-/// Ends the process, as a crash would, with the text when the promise does not hold.
-void Require(bool holds, const std::string& promise);
+/// Ends the process, as a crash would, with a text.
+[[noreturn]] void Break(const std::string& promise);
+/// The same when the promise does not hold.
+inline void Require(bool holds, const std::string& promise)
+{
+    if (!holds) {
+        Break(promise);
+    }
+}
+
+/// A text as C sees it: up to the first zero byte.
+std::string UpToZero(const std::string& text);
 
 /// Whether a text is one line of ASCII: no control character, but DEL, which JSON lets pass.
 bool IsAsciiLine(const std::string& text);

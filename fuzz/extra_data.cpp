@@ -50,7 +50,7 @@ std::optional<std::string> ExpectMessage(const std::string& extraData)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string extraData = fuzz::Input(data, size).TakeRest().c_str();
+    const std::string extraData = fuzz::UpToZero(fuzz::Input(data, size).TakeRest());
 
     const fuzz::Tv tv;
     simulator::Phone phone = simulator::MirroringPhone(fuzz::ADDRESS, "Phone", fuzz::UNIQUE_ID);
