@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bluez/Adapter.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "Codes.h"
+#include "bluez/Bluez.h"
+
+namespace lyn::linux_platform {
+
+namespace {
+
+constexpr unsigned kRetryMs = 2000;
+
+/// "hci0" of "/org/bluez/hci0".
+std::string NameOf(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+bool IsAskedFor(const AdapterStatus& adapter)
+{
+    const char* const wanted = std::getenv("LYN_BT_ADAPTER");
+    return NameOf(adapter.path) == wanted || strcasecmp(adapter.address.c_str(), wanted) == 0;
+}
+
+bool SomeAdapterIsAskedFor()
+{
+    const char* const wanted = std::getenv("LYN_BT_ADAPTER");
+    return wanted != nullptr && *wanted != '\0';
+}
+
+std::vector<AdapterStatus> AdaptersOf(const Reply& objects)
+{
+    std::vector<AdapterStatus> adapters;
+    ForEachObject(objects, kAdapter, [&](const std::string& path, GVariant* properties) {
+        adapters.push_back({path, LookupText(properties, "Address").value_or(""),
+                            LookupBool(properties, "Powered").value_or(false)});
+    });
+    std::sort(adapters.begin(), adapters.end(), [](const AdapterStatus& left, const AdapterStatus& right) {
+        return std::pair(left.path.size(), left.path) < std::pair(right.path.size(), right.path);  // hci2 < hci10
+    });
+    return adapters;
+}
+
+}  // namespace
+
+Adapter& Adapter::Instance()
+{
+    static Adapter* const instance = new Adapter;  // never destroyed: signals may be on their way
+    return *instance;
+}
+
+int Adapter::Watch()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_watching) {
+            return 0;
+        }
+    }
+    if (Bus::System() == nullptr) {
+        return kNoBus;
+    }
+    Read(AutoStart::yes);
+    const std::lock_guard lock(m_mutex);
+    if (!std::exchange(m_watching, true)) {
+        Post([this] { BeginWatching(); });
+    }
+    return 0;
+}
+
+AdapterStatus Adapter::Read(AutoStart autoStart)
+{
+    const auto bus = Bus::System();
+    AdapterStatus status;
+    if (bus != nullptr) {
+        status = Choose(bus->CallNow(AllObjects(), nullptr, kCallLimitMs, autoStart));
+    }
+    Keep(status);
+    return status;
+}
+
+AdapterStatus Adapter::Known() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_known;
+}
+
+void Adapter::AddListener(Listener listener)
+{
+    const std::lock_guard lock(m_mutex);
+    m_listeners.push_back(std::move(listener));
+}
+
+void Adapter::TellAgain()
+{
+    Post([this] { Refresh(Tells::always); });
+}
+
+void Adapter::BeginWatching()
+{
+    m_bus = Bus::System();
+    if (m_bus == nullptr) {
+        m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
+        return;
+    }
+    m_subscriptions.push_back(m_bus->OnClosed([this] { BeginAgain(); }));
+    m_subscriptions.push_back(m_bus->OnOwner(kBluez, [this](const std::string& owner) {
+        if (!owner.empty()) {
+            Refresh(Tells::changes);
+            return;
+        }
+        // At once: a bluetoothd that is back soon has forgotten what this process asked for.
+        Keep({});
+        Tell(Tells::changes);
+    }));
+    WatchObjects();
+}
+
+void Adapter::BeginAgain()
+{
+    m_subscriptions.clear();
+    Keep({});
+    Tell(Tells::changes);
+    m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
+}
+
+void Adapter::WatchObjects()
+{
+    m_subscriptions.push_back(m_bus->OnSignal({kBluez, "", kProperties, "PropertiesChanged", kAdapter},
+                                              [this](const char*, GVariant*) { Refresh(Tells::changes); }));
+    for (const char* const name : {"InterfacesAdded", "InterfacesRemoved"}) {
+        m_subscriptions.push_back(
+            m_bus->OnSignal({kBluez, "/", kObjectManager, name, ""}, [this](const char*, GVariant* values) {
+                // Phones come and go all the time while discovering; only adapters matter here.
+                const Variant path(g_variant_get_child_value(values, 0));
+                if (std::strstr(g_variant_get_string(path.get(), nullptr), "/dev_") == nullptr) {
+                    Refresh(Tells::changes);
+                }
+            }));
+    }
+}
+
+void Adapter::Refresh(Tells tells)
+{
+    if (m_bus == nullptr) {
+        Tell(tells);
+        return;
+    }
+    m_bus->Call(AllObjects(), nullptr, kCallLimitMs, [this, tells](const Reply& objects) {
+        Keep(Choose(objects));
+        Tell(tells);
+    });
+}
+
+AdapterStatus Adapter::Choose(const Reply& objects) const
+{
+    const auto adapters = AdaptersOf(objects);
+    if (SomeAdapterIsAskedFor()) {
+        const auto asked = std::find_if(adapters.begin(), adapters.end(), IsAskedFor);
+        return asked != adapters.end() ? *asked : AdapterStatus{};
+    }
+    const std::string current = Known().path;
+    const AdapterStatus* best = nullptr;
+    for (const auto& adapter : adapters) {
+        if (adapter.powered && adapter.path == current) {
+            return adapter;
+        }
+        if (best == nullptr || (adapter.powered && !best->powered)) {
+            best = &adapter;
+        }
+    }
+    return best != nullptr ? *best : AdapterStatus{};
+}
+
+void Adapter::Keep(const AdapterStatus& status)
+{
+    const std::lock_guard lock(m_mutex);
+    m_known = status;
+}
+
+void Adapter::Tell(Tells tells)
+{
+    const AdapterStatus status = Known();
+    if (tells == Tells::changes && status == m_told) {
+        return;
+    }
+    m_told = status;
+    std::vector<Listener> listeners;
+    {
+        const std::lock_guard lock(m_mutex);
+        listeners = m_listeners;
+    }
+    for (const auto& listener : listeners) {
+        listener(status);
+    }
+}
+
+}  // namespace lyn::linux_platform

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bluez/Bluez.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "Codes.h"
+
+namespace lyn::linux_platform {
+
+namespace {
+
+/// One row of the table: the message is compared only where it is given.
+struct Meaning {
+    const char* name;
+    const char* message;
+    int code;
+};
+
+// BlueZ says much of what went wrong in the message alone. The first row that fits holds.
+constexpr Meaning kMeanings[] = {
+    {"org.bluez.Error.NotReady", nullptr, kAdapterOff},
+    {"org.bluez.Error.NotAvailable", nullptr, kAdapterOff},
+    {"org.bluez.Error.AlreadyConnected", nullptr, kConnectedAlready},
+    {"org.bluez.Error.NotConnected", nullptr, kNotConnected},
+    {"org.bluez.Error.InProgress", nullptr, kBusy},
+    {"org.bluez.Error.DoesNotExist", nullptr, kNotFound},
+    {"org.bluez.Error.NotPermitted", nullptr, kRefused},
+    {"org.bluez.Error.NotAuthorized", nullptr, kRefused},
+    {"org.bluez.Error.NotSupported", nullptr, kNotSupported},
+    {"org.bluez.Error.InvalidValueLength", nullptr, kTooLong},
+    {"org.bluez.Error.InvalidArguments", nullptr, kInvalidArgument},
+    {"org.bluez.Error.Failed", "No discovery started", kScanNotRunning},
+    {"org.bluez.Error.Failed", "le-connection-abort-by-local", kConnectTimedOut},
+    {"org.bluez.Error.Failed", "le-connection-canceled", kCanceled},
+    {"org.bluez.Error.Failed", "br-connection-canceled", kCanceled},
+    {"org.bluez.Error.Failed", "Not connected", kNotConnected},
+    {"org.bluez.Error.Failed", "Operation already in progress", kBusy},
+    {"org.bluez.Error.Failed", nullptr, kFailed},
+    {"org.freedesktop.DBus.Error.UnknownObject", nullptr, kNotFound},
+    {"org.freedesktop.DBus.Error.UnknownMethod", nullptr, kNotFound},
+    {"org.freedesktop.DBus.Error.ServiceUnknown", nullptr, kAdapterOff},
+    {"org.freedesktop.DBus.Error.NameHasNoOwner", nullptr, kAdapterOff},
+    {"org.freedesktop.DBus.Error.AccessDenied", nullptr, kRefused},
+    {"org.freedesktop.DBus.Error.NoReply", nullptr, kNoAnswer},
+    {"org.freedesktop.DBus.Error.Timeout", nullptr, kNoAnswer},
+    {"org.freedesktop.DBus.Error.TimedOut", nullptr, kNoAnswer},
+};
+
+}  // namespace
+
+Method BluezMethod(const std::string& path, const char* interface, const char* name)
+{
+    return {kBluez, path, interface, name};
+}
+
+Method AllObjects()
+{
+    return BluezMethod("/", kObjectManager, "GetManagedObjects");
+}
+
+void ForEachObject(const Reply& objects, const char* interface,
+                   const std::function<void(const std::string&, GVariant*)>& each)
+{
+    if (!objects.Ok() || !g_variant_is_of_type(objects.values.get(), G_VARIANT_TYPE("(a{oa{sa{sv}}})"))) {
+        return;
+    }
+    const Variant all(g_variant_get_child_value(objects.values.get(), 0));
+    const gsize count = g_variant_n_children(all.get());
+    for (gsize i = 0; i < count; ++i) {
+        const Variant object(g_variant_get_child_value(all.get(), i));
+        const Variant path(g_variant_get_child_value(object.get(), 0));
+        const Variant interfaces(g_variant_get_child_value(object.get(), 1));
+        const Variant properties = Lookup(interfaces.get(), interface, "a{sv}");
+        if (properties) {
+            each(g_variant_get_string(path.get(), nullptr), properties.get());
+        }
+    }
+}
+
+std::string DevicePath(const std::string& adapterPath, const std::string& address)
+{
+    std::string name = address;
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return c == ':' ? '_' : static_cast<char>(std::toupper(c)); });
+    return adapterPath + "/dev_" + name;
+}
+
+int CodeOf(const BusError& error)
+{
+    const auto fits = [&](const Meaning& meaning) {
+        return error.name == meaning.name && (meaning.message == nullptr || error.message == meaning.message);
+    };
+    const auto* const found = std::find_if(std::begin(kMeanings), std::end(kMeanings), fits);
+    return found != std::end(kMeanings) ? found->code : kFailed;
+}
+
+}  // namespace lyn::linux_platform

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Names of BlueZ on the bus, its objects, and what its errors mean.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "bus/Bus.h"
+
+namespace lyn::linux_platform {
+
+inline constexpr const char* kBluez = "org.bluez";
+inline constexpr const char* kAdapter = "org.bluez.Adapter1";
+inline constexpr const char* kDevice = "org.bluez.Device1";
+inline constexpr const char* kGattService = "org.bluez.GattService1";
+inline constexpr const char* kGattCharacteristic = "org.bluez.GattCharacteristic1";
+inline constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+inline constexpr const char* kObjectManager = "org.freedesktop.DBus.ObjectManager";
+
+/// A method of BlueZ's object at `path`.
+Method BluezMethod(const std::string& path, const char* interface, const char* name);
+
+/// Asks for all objects of BlueZ.
+Method AllObjects();
+
+/// Calls `each` for every object of an answer to AllObjects() that has the interface.
+void ForEachObject(const Reply& objects, const char* interface,
+                   const std::function<void(const std::string& path, GVariant* properties)>& each);
+
+/// The object of a device of an adapter. The address may have any letter case.
+std::string DevicePath(const std::string& adapterPath, const std::string& address);
+
+/// Codes of the seam that come from BlueZ's errors: see gatt.h and bluetooth.h for those with a meaning.
+int CodeOf(const BusError& error);
+
+}  // namespace lyn::linux_platform
