@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "log/LogWriter.h"
+
+#include <glib.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <vector>
+
+#include "log/SourcePlace.h"
+
+namespace lyn::linux_platform {
+
+namespace {
+
+constexpr int kDebug = 3;
+constexpr int kInfo = 4;
+constexpr int kError = 6;
+constexpr int kNone = 7;
+
+int LevelFromEnvironment()
+{
+    static constexpr std::array<const char*, 5> kNames = {"debug", "info", "warn", "error", "none"};
+    const char* const level = std::getenv("LYN_LOG_LEVEL");
+    for (std::size_t i = 0; level != nullptr && i < kNames.size(); ++i) {
+        if (std::strcmp(level, kNames[i]) == 0) {
+            return kDebug + static_cast<int>(i);
+        }
+    }
+    return kInfo;
+}
+
+bool StandardErrorIsAskedFor()
+{
+    const char* const target = std::getenv("LYN_LOG_TARGET");
+    return target != nullptr && std::strcmp(target, "stderr") == 0;
+}
+
+std::size_t Rank(int priority)
+{
+    return priority < kDebug ? 0 : static_cast<std::size_t>((priority > kError ? kError : priority) - kDebug);
+}
+
+std::string Format(const char* format, std::va_list arguments)
+{
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+std::string TimeText()
+{
+    std::timespec now{};
+    std::timespec_get(&now, TIME_UTC);
+    std::tm local{};
+    ::localtime_r(&now.tv_sec, &local);
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%02d:%02d:%02d.%03ld", local.tm_hour % 100, local.tm_min % 100,
+                  local.tm_sec % 100, now.tv_nsec / 1'000'000);
+    return text.data();
+}
+
+/// False when no journal takes the line.
+bool WriteToJournal(int priority, const char* tag, const std::string& text)
+{
+    static constexpr std::array<const char*, 4> kSyslog = {"7", "6", "4", "3"};
+    const auto place = ReadSourcePlace(text);
+    std::vector<GLogField> fields = {
+        {"MESSAGE", text.data(), static_cast<gssize>(text.size())},
+        {"PRIORITY", kSyslog[Rank(priority)], -1},
+        {"SYSLOG_IDENTIFIER", tag, -1},
+    };
+    if (place) {
+        fields.push_back({"CODE_FILE", place->file.c_str(), -1});
+        fields.push_back({"CODE_FUNC", place->function.c_str(), -1});
+        fields.push_back({"CODE_LINE", place->line.c_str(), -1});
+    }
+    return g_log_writer_journald(G_LOG_LEVEL_MESSAGE, fields.data(), fields.size(), nullptr) ==
+           G_LOG_WRITER_HANDLED;
+}
+
+void WriteToStandardError(int priority, const char* tag, const std::string& text, bool coloured)
+{
+    static constexpr std::array<char, 4> kLetters = {'D', 'I', 'W', 'E'};
+    static constexpr std::array<const char*, 4> kColours = {"\033[2m", "", "\033[33m", "\033[31m"};
+    const char* const colour = coloured ? kColours[Rank(priority)] : "";
+    std::fprintf(stderr, "%s%s %c/%s: %s%s\n", colour, TimeText().c_str(), kLetters[Rank(priority)], tag,
+                 Printable(text).c_str(), *colour != '\0' ? "\033[0m" : "");
+}
+
+}  // namespace
+
+LogWriter& LogWriter::Instance()
+{
+    static LogWriter* const instance = new LogWriter;  // never destroyed: others log while the process ends
+    return *instance;
+}
+
+LogWriter::LogWriter()
+    : m_lowest(LevelFromEnvironment()),
+      m_toJournal(!StandardErrorIsAskedFor()),
+      m_coloured(::isatty(STDERR_FILENO) == 1)
+{
+}
+
+void LogWriter::Print(int priority, const char* tag, const char* format, std::va_list arguments)
+{
+    const char* const name = tag != nullptr ? tag : "";
+    const std::string text = Format(format, arguments);
+    if (!m_toJournal || !WriteToJournal(priority, name, text)) {
+        WriteToStandardError(priority, name, text, m_coloured);
+    }
+}
+
+std::string Printable(const std::string& text)
+{
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte != 0x7F) {
+            result += c;
+            continue;
+        }
+        std::array<char, 8> escaped{};
+        std::snprintf(escaped.data(), escaped.size(), "\\x%02X", byte);
+        result += escaped.data();
+    }
+    return result;
+}
+
+}  // namespace lyn::linux_platform

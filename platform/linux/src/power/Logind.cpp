@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "power/Logind.h"
+
+#include <gio/gunixfdlist.h>
+#include <unistd.h>
+
+#include <utility>
+
+#include "Codes.h"
+#include "bluez/Adapter.h"
+#include "log/Log.h"
+
+namespace lyn::linux_platform {
+
+namespace {
+
+constexpr const char* kLogin = "org.freedesktop.login1";
+constexpr const char* kPath = "/org/freedesktop/login1";
+constexpr const char* kManager = "org.freedesktop.login1.Manager";
+constexpr std::uint32_t kSuspend = 0x40000000;
+
+bool FirstIsTrue(GVariant* values)
+{
+    if (!g_variant_is_of_type(values, G_VARIANT_TYPE("(b)"))) {
+        return false;
+    }
+    gboolean first = FALSE;
+    g_variant_get(values, "(b)", &first);
+    return first != FALSE;
+}
+
+}  // namespace
+
+Logind& Logind::Instance()
+{
+    static Logind* const instance = new Logind;  // never destroyed: signals may be on their way
+    return *instance;
+}
+
+int Logind::Watch()
+{
+    if (Bus::System() == nullptr) {
+        return kNoBus;
+    }
+    if (!m_watching.exchange(true)) {
+        Post([this] { BeginWatching(); });
+    }
+    return 0;
+}
+
+void Logind::BeginWatching()
+{
+    m_bus = Bus::System();
+    if (m_bus == nullptr) {
+        m_watching = false;
+        return;
+    }
+    m_subscriptions.push_back(
+        m_bus->OnSignal({kLogin, kPath, kManager, "PrepareForSleep", ""},
+                        [this](const char*, GVariant* values) { OnPrepareForSleep(FirstIsTrue(values)); }));
+    m_subscriptions.push_back(
+        m_bus->OnSignal({kLogin, kPath, kManager, "PrepareForShutdown", ""},
+                        [this](const char*, GVariant* values) { OnPrepareForShutdown(FirstIsTrue(values)); }));
+    // A logind that was started again has forgotten the delay.
+    m_subscriptions.push_back(m_bus->OnOwner(kLogin, [this](const std::string& owner) {
+        AllowSleep();
+        if (!owner.empty()) {
+            DelaySleep();
+        }
+    }));
+}
+
+void Logind::OnPrepareForSleep(bool begins)
+{
+    m_awake = !begins;
+    if (!begins) {
+        DelaySleep();
+        // The library goes on only after a report that Bluetooth is on.
+        Adapter::Instance().TellAgain();
+        return;
+    }
+    const device_power_off_info_s info{kSuspend};
+    powerOff.Deliver(powerOff.Id(), &info);
+    AllowSleep();
+}
+
+void Logind::OnPrepareForShutdown(bool begins)
+{
+    if (begins) {
+        const device_power_off_info_s info{0};
+        powerOff.Deliver(powerOff.Id(), &info);
+    }
+}
+
+void Logind::DelaySleep()
+{
+    if (m_inhibitor >= 0) {
+        return;
+    }
+    const auto done = [](GObject* connection, GAsyncResult* result, gpointer self) {
+        GUnixFDList* descriptors = nullptr;
+        GVariant* values = g_dbus_connection_call_with_unix_fd_list_finish(G_DBUS_CONNECTION(connection),
+                                                                           &descriptors, result, nullptr);
+        if (values == nullptr) {
+            LogWarn("%s", "logind gives no time before a sleep: the TV may sleep before it has said so");
+            return;
+        }
+        g_variant_unref(values);
+        auto* const logind = static_cast<Logind*>(self);
+        logind->AllowSleep();
+        if (descriptors != nullptr) {
+            logind->m_inhibitor = g_unix_fd_list_get(descriptors, 0, nullptr);
+            g_object_unref(descriptors);
+        }
+    };
+    g_dbus_connection_call_with_unix_fd_list(
+        m_bus->Connection(), kLogin, kPath, kManager, "Inhibit",
+        g_variant_new("(ssss)", "sleep", "lyn_service", "tells applications of the coming sleep", "delay"),
+        G_VARIANT_TYPE("(h)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimitMs, nullptr, nullptr, done, this);
+}
+
+void Logind::AllowSleep()
+{
+    if (m_inhibitor >= 0) {
+        ::close(std::exchange(m_inhibitor, -1));
+    }
+}
+
+}  // namespace lyn::linux_platform

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+#include <exception>
+
+#include "Codes.h"
+#include "PlatformApi.h"
+#include "log/Log.h"
+#include "settings/Defaults.h"
+
+using namespace lyn::linux_platform;
+
+namespace {
+
+const SettingsStore& Store()
+{
+    static const auto* const store = new SettingsStore(SettingsFolders::FromEnvironment());
+    return *store;
+}
+
+std::optional<Setting> Read(const std::string& key)
+{
+    try {
+        return ReadOrDefault(Store(), key);
+    } catch (const std::exception& error) {
+        LogWarn("cannot read a setting: %s", error.what());
+        return std::nullopt;
+    }
+}
+
+int ReadInt(const std::string& key, int* value)
+{
+    const auto setting = Read(key);
+    if (!setting) {
+        return kNotFound;
+    }
+    if (!std::holds_alternative<int>(*setting)) {
+        return kMalformed;
+    }
+    *value = std::get<int>(*setting);
+    return 0;
+}
+
+}  // namespace
+
+int vconf_set_int(const char* key, int value)
+{
+    if (key == nullptr) {
+        return kInvalidArgument;
+    }
+    try {
+        Store().Write(key, value);
+        return 0;
+    } catch (const std::exception& error) {
+        LogWarn("cannot write a setting: %s", error.what());
+        return kFailed;
+    }
+}
+
+int vconf_get_int(const char* key, int* value)
+{
+    return key != nullptr && value != nullptr ? ReadInt(key, value) : kInvalidArgument;
+}
+
+char* vconf_get_str(const char* key)
+{
+    const auto setting = key != nullptr ? Read(key) : std::nullopt;
+    if (!setting || !std::holds_alternative<std::string>(*setting)) {
+        return nullptr;
+    }
+    return ::strdup(std::get<std::string>(*setting).c_str());
+}
+
+int system_info_get_custom_int(const char* key, int* value)
+{
+    return key != nullptr && value != nullptr ? ReadInt(SystemInfoKey(key), value) : kInvalidArgument;
+}
