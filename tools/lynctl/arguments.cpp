@@ -136,11 +136,13 @@ struct CommandName {
     Command command;
 };
 
-constexpr std::array<CommandName, 4> kCommands = {{
+constexpr std::array<CommandName, 6> kCommands = {{
     {"scan", Command::scan},
     {"request", Command::request},
     {"advertise", Command::advertise},
     {"events", Command::events},
+    {"settings", Command::settings},
+    {"doctor", Command::doctor},
 }};
 
 constexpr unsigned Bit(Command command)
@@ -149,7 +151,10 @@ constexpr unsigned Bit(Command command)
 }
 
 constexpr unsigned kAll = ~0U;
-constexpr unsigned kFollowing = Bit(Command::scan) | Bit(Command::events);
+constexpr unsigned kFollowing = Bit(Command::scan) | Bit(Command::events) | Bit(Command::settings);
+constexpr unsigned kJson = kFollowing | Bit(Command::request) | Bit(Command::doctor);
+// Those that ask the machine, and need neither the library nor a platform of it.
+constexpr unsigned kOfService = kAll & ~(Bit(Command::settings) | Bit(Command::doctor));
 
 struct Option {
     const char* name;
@@ -158,18 +163,18 @@ struct Option {
     void (*apply)(Arguments&, const std::string&);
 };
 
-constexpr std::array<Option, 13> kOptions = {{
+constexpr std::array<Option, 14> kOptions = {{
     {"--seconds", true, kFollowing, SetSeconds},
-    {"--json", false, kFollowing | Bit(Command::request),
-     [](Arguments& out, const std::string&) { out.json = true; }},
+    {"--json", false, kJson, [](Arguments& out, const std::string&) { out.json = true; }},
     {"--extra", true, Bit(Command::request), SetExtra},
     {"--nodlink-version", true, Bit(Command::request), SetNodlinkVersion},
     {"--interval", true, Bit(Command::advertise), SetInterval},
     {"--stop", false, Bit(Command::advertise), [](Arguments& out, const std::string&) { out.stop = true; }},
-    {"--platform", true, kAll, SetPlatform},
-    {"--scenario", true, kAll, SetScenario},
-    {"--lib-dir", true, kAll, SetLibraryFolder},
-    {"--verbose", false, kAll, [](Arguments& out, const std::string&) { out.verbose = true; }},
+    {"--text", false, Bit(Command::settings), [](Arguments& out, const std::string&) { out.text = true; }},
+    {"--platform", true, kOfService, SetPlatform},
+    {"--scenario", true, kOfService, SetScenario},
+    {"--lib-dir", true, kOfService, SetLibraryFolder},
+    {"--verbose", false, kOfService, [](Arguments& out, const std::string&) { out.verbose = true; }},
     {"--help", false, kAll, nullptr},
     {"-h", false, kAll, nullptr},
     {"--version", false, kAll, nullptr},
@@ -231,7 +236,14 @@ const CommandName& FindCommand(const std::string& word)
     return *found;
 }
 
-void ReadPlainWords(Arguments& out, const CommandName& command, const std::vector<std::string>& plain)
+void RejectMore(const std::vector<std::string>& plain, std::size_t known)
+{
+    if (plain.size() > known) {
+        Reject("unexpected argument " + Quoted(plain[known]));
+    }
+}
+
+void ReadServiceWords(Arguments& out, const CommandName& command, const std::vector<std::string>& plain)
 {
     const bool wantsAddress = out.command == Command::request;
     if (plain.size() < 2) {
@@ -244,9 +256,43 @@ void ReadPlainWords(Arguments& out, const CommandName& command, const std::vecto
     if (wantsAddress) {
         SetAddress(out, plain[2]);
     }
-    const std::size_t known = wantsAddress ? 3 : 2;
-    if (plain.size() > known) {
-        Reject("unexpected argument " + Quoted(plain[known]));
+    RejectMore(plain, wantsAddress ? 3 : 2);
+}
+
+void ReadSettingsWords(Arguments& out, const std::vector<std::string>& plain)
+{
+    constexpr std::array<const char*, 3> kActions = {"get", "set", "watch"};
+    const auto action = plain.size() < 2 ? kActions.end() : std::find(kActions.begin(), kActions.end(), plain[1]);
+    if (action == kActions.end()) {
+        Reject("'settings' needs what to do: get, set or watch");
+    }
+    out.settingsAction = static_cast<SettingsAction>(action - kActions.begin());
+    if (plain.size() < 3) {
+        Reject(std::string("'settings ") + *action + "' needs a key such as db/menu/network/devicename/tv_name");
+    }
+    out.key = plain[2];
+    const bool wantsValue = out.settingsAction == SettingsAction::set;
+    if (wantsValue && plain.size() < 4) {
+        Reject("'settings set' needs a value");
+    }
+    if (wantsValue) {
+        out.value = plain[3];
+    }
+    RejectMore(plain, wantsValue ? 4 : 3);
+}
+
+void ReadPlainWords(Arguments& out, const CommandName& command, const std::vector<std::string>& plain)
+{
+    switch (out.command) {
+    case Command::settings:
+        ReadSettingsWords(out, plain);
+        break;
+    case Command::doctor:
+        RejectMore(plain, 1);
+        break;
+    default:
+        ReadServiceWords(out, command, plain);
+        break;
     }
 }
 
@@ -292,7 +338,7 @@ Arguments ParseArguments(const std::vector<std::string>& words)
         return out;
     }
     out.command = command.command;
-    if (out.command == Command::events) {
+    if (out.command == Command::events || out.command == Command::settings) {
         out.seconds = 0;
     }
     for (const Given& given : split.options) {

@@ -11,7 +11,9 @@
 
 namespace lynctl {
 
-enum class Command { help, version, scan, request, advertise, events };
+enum class Command { help, version, scan, request, advertise, events, settings, doctor };
+
+enum class SettingsAction { get, set, watch };
 
 struct Arguments {
     Command command = Command::help;
@@ -22,7 +24,11 @@ struct Arguments {
     std::string nodlinkVersion;        ///< empty: not set
     std::optional<lyn_adv_interval_e> interval;
     bool stop = false;
-    int seconds = 10;  ///< 0: until a signal
+    SettingsAction settingsAction = SettingsAction::get;
+    std::string key;    ///< of a setting
+    std::string value;  ///< of a setting, to be set
+    bool text = false;  ///< the value is a text, also when it looks like a number
+    int seconds = 10;   ///< 0: until a signal
     bool json = false;
     bool verbose = false;
     std::string platform;  ///< empty: the default one

@@ -12,5 +12,6 @@ int Scan(const Arguments& arguments, const Library& library);
 int Request(const Arguments& arguments, const Library& library);
 int Advertise(const Arguments& arguments, const Library& library);
 int FollowEvents(const Arguments& arguments, const Library& library);
+int Settings(const Arguments& arguments);
 
 }  // namespace lynctl

@@ -7,23 +7,27 @@ namespace {
 
 constexpr const char* kOverview = R"(lynctl - find phones that ask the TV for a session, and ask them
 
-Usage: lynctl COMMAND SERVICE [ARGUMENT...] [OPTION...]
+Usage: lynctl COMMAND [ARGUMENT...] [OPTION...]
 
 Commands ('lynctl COMMAND --help' tells more):
   scan SERVICE               show the phones that ask for a service
   request SERVICE ADDRESS    ask a phone to start its session
   advertise SERVICE          let the TV advertise itself, or stop that
   events SERVICE             follow the state of a service
+  settings get|set|watch KEY read, change and follow the settings of a Linux machine
+  doctor                     check whether a Linux machine has what the library needs
 
 Services: mirroring, nodlink, kov, dummy (a fixed phone that always agrees)
 )";
 
 constexpr const char* kCommonOptions = R"(
-Options of every command:
+Options of every command that has a service:
   --platform NAME    the platform to run on (default: simulator)
   --scenario FILE    what the simulated TV and its phones are and do
   --lib-dir FOLDER   where liblyn_service.so.0 and the folder "lyn" of platforms are
   --verbose          the library's log too
+
+Options of every command:
   -h, --help         this text
   --version          the version
 )";
@@ -71,6 +75,30 @@ sleep. (The other services change their state for scans and requests only.)
   --json        one JSON object a line: "state", "summary"
 )";
 
+constexpr const char* kSettings = R"(Usage: lynctl settings get KEY [--json]
+       lynctl settings set KEY VALUE [--text]
+       lynctl settings watch KEY [--seconds N] [--json]
+
+Reads, changes and follows the settings that the platform "linux" uses. Keys begin with db/ (kept for ever) or
+memory/ (until the machine restarts). A value that is a whole number is stored as a number, any other as a text.
+
+  --text        store a text, also when it looks like a number
+  --seconds N   how long to watch (default 0: until Ctrl-C)
+  --json        one JSON object a line: "setting", and "summary" at the end of watch
+
+Status: 0; 1 when the key holds nothing, or cannot be read or written.
+)";
+
+constexpr const char* kDoctor = R"(Usage: lynctl doctor [--json]
+
+Checks what the platform "linux" needs on this machine: bus, bluetoothd, adapter, power, rights, Wi-Fi, settings.
+For what is wrong it says the command that mends it. Changes nothing.
+
+  --json        one JSON object a line: "check" for each, and "summary"
+
+Status: 0 when everything that is needed is there; 1 when not.
+)";
+
 constexpr const char* kStatus = R"(
 Exit status: 0 success, 1 failure, 2 bad arguments or scenario; more under 'lynctl request --help'.
 )";
@@ -96,6 +124,10 @@ std::string HelpText(std::optional<Command> topic)
     case Command::events:
         text = kEvents;
         break;
+    case Command::settings:
+        return kSettings;
+    case Command::doctor:
+        return kDoctor;
     case Command::help:
     case Command::version:
         break;

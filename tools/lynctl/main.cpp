@@ -60,11 +60,9 @@ int RunCommand(const Arguments& arguments)
         return Advertise(arguments, library);
     case Command::events:
         return FollowEvents(arguments, library);
-    case Command::help:
-    case Command::version:
-        break;
+    default:
+        return kExitFailure;
     }
-    return kExitFailure;
 }
 
 int Main(const std::vector<std::string>& words)
@@ -77,6 +75,9 @@ int Main(const std::vector<std::string>& words)
     if (arguments.command == Command::version) {
         Print("lynctl " LYN_VERSION "\n");
         return kExitSuccess;
+    }
+    if (arguments.command == Command::settings) {
+        return Settings(arguments);
     }
     return RunCommand(arguments);
 }

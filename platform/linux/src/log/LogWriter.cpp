@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <exception>
 #include <vector>
 
 #include "log/SourcePlace.h"
@@ -16,11 +17,6 @@
 namespace lyn::linux_platform {
 
 namespace {
-
-constexpr int kDebug = 3;
-constexpr int kInfo = 4;
-constexpr int kError = 6;
-constexpr int kNone = 7;
 
 int LevelFromEnvironment()
 {
@@ -111,12 +107,22 @@ LogWriter::LogWriter()
 {
 }
 
-void LogWriter::Print(int priority, const char* tag, const char* format, std::va_list arguments)
+void LogWriter::Print(int priority, const char* tag, const char* format, std::va_list arguments) noexcept
 {
-    const char* const name = tag != nullptr ? tag : "";
-    const std::string text = Format(format, arguments);
-    if (!m_toJournal || !WriteToJournal(priority, name, text)) {
-        WriteToStandardError(priority, name, text, m_coloured);
+    if (format == nullptr || priority < m_lowest) {
+        return;
+    }
+    try {
+        Write(priority, tag != nullptr ? tag : "", Format(format, arguments));
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+void LogWriter::Write(int priority, const char* tag, const std::string& text) const
+{
+    if (!m_toJournal || !WriteToJournal(priority, tag, text)) {
+        WriteToStandardError(priority, tag, text, m_coloured);
     }
 }
 

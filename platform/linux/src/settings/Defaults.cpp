@@ -4,10 +4,7 @@
 #include <unistd.h>
 
 #include <array>
-#include <exception>
 #include <map>
-
-#include "log/Log.h"
 
 namespace lyn::linux_platform {
 
@@ -46,23 +43,6 @@ std::optional<Setting> DefaultOf(const std::string& key)
     };
     const auto found = numbers->find(key);
     return found != numbers->end() ? std::optional<Setting>(found->second) : std::nullopt;
-}
-
-std::optional<Setting> ReadOrDefault(const SettingsStore& store, const std::string& key)
-{
-    auto value = store.Read(key);
-    if (value) {
-        return value;
-    }
-    value = DefaultOf(key);
-    if (value) {
-        try {
-            store.Write(key, *value);
-        } catch (const std::exception& error) {
-            LogWarn("a default setting is used but not kept: %s", error.what());
-        }
-    }
-    return value;
 }
 
 }  // namespace lyn::linux_platform

@@ -11,10 +11,6 @@ namespace lyn::linux_platform {
 /// What a key holds before anybody has set it; none for most.
 std::optional<Setting> DefaultOf(const std::string& key);
 
-/// The value of a key. A default is written at its first use, so that it can be seen and changed; a store that
-/// cannot be written gives it nevertheless. Throws like SettingsStore::Read().
-std::optional<Setting> ReadOrDefault(const SettingsStore& store, const std::string& key);
-
 /// The key under which a feature value of the product is kept.
 std::string SystemInfoKey(const std::string& feature);
 

@@ -6,6 +6,7 @@
 #include "PlatformApi.h"
 #include "log/Log.h"
 #include "settings/Defaults.h"
+#include "settings/SettingsStore.h"
 
 using namespace lyn::linux_platform;
 
@@ -17,10 +18,29 @@ const SettingsStore& Store()
     return *store;
 }
 
+/// A default is written at its first use, so that it can be seen and changed. A store that cannot be written
+/// gives it nevertheless.
+std::optional<Setting> ReadOrDefault(const std::string& key)
+{
+    auto value = Store().Read(key);
+    if (value) {
+        return value;
+    }
+    value = DefaultOf(key);
+    if (value) {
+        try {
+            Store().Write(key, *value);
+        } catch (const std::exception& error) {
+            LogWarn("a default setting is used but not kept: %s", error.what());
+        }
+    }
+    return value;
+}
+
 std::optional<Setting> Read(const std::string& key)
 {
     try {
-        return ReadOrDefault(Store(), key);
+        return ReadOrDefault(key);
     } catch (const std::exception& error) {
         LogWarn("cannot read a setting: %s", error.what());
         return std::nullopt;
