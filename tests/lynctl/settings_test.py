@@ -1,22 +1,23 @@
 # SPDX-License-Identifier: Apache-2.0
 """lynctl settings: get, set and watch, on folders of their own."""
+
 import json
 import os
 import subprocess
-import sys
 import tempfile
 import time
 import unittest
 
-LYNCTL = sys.argv.pop(1)
+from harness import LYNCTL, environment, main
+
 KEY = "memory/org.nuvex.bleapp/mirroring_trigger"
 
 
 class Settings(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
-        self.environment = dict(os.environ, LYN_STATE_DIR=self.folder.name + "/state",
-                                LYN_RUNTIME_DIR=self.folder.name + "/run")
+        self.environment = environment(LYN_STATE_DIR=self.folder.name + "/state",
+                                       LYN_RUNTIME_DIR=self.folder.name + "/run")
 
     def tearDown(self):
         self.folder.cleanup()
@@ -93,4 +94,4 @@ class Settings(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    main()

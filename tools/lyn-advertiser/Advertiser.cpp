@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Advertiser.h"
+
+#include <exception>
+#include <utility>
+
+namespace lyn::advertiser {
+
+using linux_platform::Adapter;
+using linux_platform::AdapterStatus;
+using linux_platform::Bus;
+using linux_platform::Setting;
+using linux_platform::SettingsStore;
+using linux_platform::SettingWatch;
+
+namespace {
+
+constexpr unsigned kRetryMs = 5000;
+constexpr int kLongestInterval = 10240;  // what a controller can do
+
+std::string TriggerKey(const std::string& feature)
+{
+    return "memory/org.nuvex.bleapp/" + feature + "_trigger";
+}
+
+}  // namespace
+
+Advertiser::Advertiser(Config config, const SettingsStore& store, std::function<void(const News&)> tell)
+    : m_store(store),
+      m_tell(std::move(tell))
+{
+    for (auto& [name, payload] : config) {
+        Feature& feature = m_features[name];
+        feature.payload = std::move(payload);
+        feature.watch = std::make_unique<SettingWatch>(store.FileOf(TriggerKey(name)), [this] { Update(); });
+    }
+    Adapter::Instance().AddListener([this](const AdapterStatus&) { Update(); });
+}
+
+void Advertiser::Update()
+{
+    const AdapterStatus adapter = Adapter::Instance().Known();
+    for (auto& [name, feature] : m_features) {
+        UpdateFeature(name, feature, adapter);
+    }
+}
+
+unsigned Advertiser::WantedInterval(const std::string& feature) const
+{
+    try {
+        const auto value = m_store.Read(TriggerKey(feature));
+        const int interval = value && std::holds_alternative<int>(*value) ? std::get<int>(*value) : 0;
+        return interval > 0 && interval <= kLongestInterval ? static_cast<unsigned>(interval) : 0;
+    } catch (const std::exception& error) {
+        m_tell({feature, "failed", 0, error.what()});
+        return 0;
+    }
+}
+
+void Advertiser::UpdateFeature(const std::string& name, Feature& feature, const AdapterStatus& adapter)
+{
+    const unsigned wanted = adapter.powered ? WantedInterval(name) : 0;
+    if (wanted == feature.interval && (wanted == 0 || adapter.path == feature.adapter)) {
+        return;
+    }
+    if (std::exchange(feature.advertisement, nullptr) != nullptr && wanted == 0) {
+        m_tell({name, "off", 0, ""});
+    }
+    feature.interval = wanted;
+    feature.adapter = adapter.path;
+    const auto bus = Bus::System();
+    if (wanted > 0 && bus != nullptr) {
+        feature.advertisement = std::make_unique<Advertisement>(
+            bus, adapter.path, name, feature.payload, wanted,
+            [this, name, wanted](const std::string& error) { OnRegistered(name, wanted, error); });
+    }
+}
+
+void Advertiser::OnRegistered(const std::string& name, unsigned interval, const std::string& error)
+{
+    Feature& feature = m_features.at(name);
+    if (feature.interval != interval) {
+        return;  // of an advertisement that was taken back meanwhile
+    }
+    if (error.empty()) {
+        m_tell({name, "on", interval, ""});
+        return;
+    }
+    m_tell({name, "failed", interval, error});
+    feature.advertisement = nullptr;
+    feature.interval = 0;
+    m_retry = linux_platform::Timer(kRetryMs, [this] { Update(); });
+}
+
+}  // namespace lyn::advertiser
