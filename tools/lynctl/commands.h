@@ -13,5 +13,6 @@ int Request(const Arguments& arguments, const Library& library);
 int Advertise(const Arguments& arguments, const Library& library);
 int FollowEvents(const Arguments& arguments, const Library& library);
 int Settings(const Arguments& arguments);
+int Doctor(const Arguments& arguments);
 
 }  // namespace lynctl

@@ -79,6 +79,9 @@ int Main(const std::vector<std::string>& words)
     if (arguments.command == Command::settings) {
         return Settings(arguments);
     }
+    if (arguments.command == Command::doctor) {
+        return Doctor(arguments);
+    }
     return RunCommand(arguments);
 }
 

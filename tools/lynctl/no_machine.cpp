@@ -11,4 +11,9 @@ int Settings(const Arguments&)
     throw Failure(kExitFailure, "this lynctl was built for a TV's own platform, whose settings are elsewhere");
 }
 
+int Doctor(const Arguments&)
+{
+    throw Failure(kExitFailure, "this lynctl was built for a TV's own platform, which it cannot examine");
+}
+
 }  // namespace lynctl

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "checks.h"
+
+#include <glib.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include "bluez/Adapter.h"
+#include "bluez/Bluez.h"
+#include "bus/Bus.h"
+#include "settings/Defaults.h"
+#include "settings/SettingsStore.h"
+#include "wifi/AccessPoint.h"
+#include "wifi/DirectAddress.h"
+
+namespace lynctl {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace lyn::linux_platform;
+
+constexpr int kWantedMtu = 256;
+constexpr int kNetRaw = 13;  // the bit of CAP_NET_RAW
+constexpr const char* kMainConf = "/etc/bluetooth/main.conf";
+
+std::string ContentOf(const fs::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string FirstLineOf(const fs::path& file)
+{
+    const std::string content = ContentOf(file);
+    return content.substr(0, content.find('\n'));
+}
+
+bool HasOwner(const Bus& bus, const char* service)
+{
+    const Reply reply =
+        bus.CallNow({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"},
+                    g_variant_new("(s)", service));
+    gboolean owned = FALSE;
+    if (reply.Ok() && g_variant_is_of_type(reply.values.get(), G_VARIANT_TYPE("(b)"))) {
+        g_variant_get(reply.values.get(), "(b)", &owned);
+    }
+    return owned != FALSE;
+}
+
+Check CheckBus(const Bus* bus)
+{
+    if (bus == nullptr) {
+        return {"system bus", Level::problem, "cannot be reached", "sudo systemctl start dbus"};
+    }
+    return {"system bus", Level::good, "answers", ""};
+}
+
+Check CheckBluetoothd(const Bus* bus)
+{
+    if (bus == nullptr || !HasOwner(*bus, kBluez)) {
+        return {"bluetoothd", Level::problem, "does not run", "sudo systemctl start bluetooth"};
+    }
+    return {"bluetoothd", Level::good, "runs", ""};
+}
+
+Check CheckAdapter(const AdapterStatus& adapter)
+{
+    if (!adapter.path.empty()) {
+        return {"adapter", Level::good, adapter.path.substr(adapter.path.rfind('/') + 1) + ", " + adapter.address,
+                ""};
+    }
+    const char* const asked = std::getenv("LYN_BT_ADAPTER");
+    if (asked != nullptr && *asked != '\0') {
+        return {"adapter", Level::problem,
+                std::string("LYN_BT_ADAPTER asks for ") + asked + ", which is not there", "unset LYN_BT_ADAPTER"};
+    }
+    return {"adapter", Level::problem, "there is none", "plug in a Bluetooth adapter that does Low Energy"};
+}
+
+/// "soft" or "hard" when a switch of the machine blocks Bluetooth.
+std::optional<std::string> BluetoothBlock()
+{
+    std::error_code error;
+    for (fs::directory_iterator entry("/sys/class/rfkill", error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (FirstLineOf(entry->path() / "type") != "bluetooth") {
+            continue;
+        }
+        for (const char* const kind : {"hard", "soft"}) {
+            if (FirstLineOf(entry->path() / kind) == "1") {
+                return kind;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+Check CheckPower(const AdapterStatus& adapter)
+{
+    if (adapter.powered) {
+        return {"power", Level::good, "the adapter is on", ""};
+    }
+    const auto block = BluetoothBlock();
+    if (block == "hard") {
+        return {"power", Level::problem, "a switch of the machine keeps Bluetooth off", "turn that switch on"};
+    }
+    if (block == "soft") {
+        return {"power", Level::problem, "Bluetooth is blocked", "rfkill unblock bluetooth"};
+    }
+    return {"power", Level::problem, "the adapter is off", "bluetoothctl power on"};
+}
+
+Check CheckRights()
+{
+    std::istringstream status(ContentOf("/proc/self/status"));
+    std::uint64_t effective = 0;
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("CapEff:", 0) == 0) {
+            effective = std::strtoull(line.c_str() + std::string("CapEff:").size(), nullptr, 16);
+        }
+    }
+    if ((effective >> kNetRaw & 1U) != 0) {
+        return {"rights", Level::good, "may listen to advertisements (CAP_NET_RAW)", ""};
+    }
+    std::error_code error;
+    const fs::path self = fs::read_symlink("/proc/self/exe", error);
+    return {"rights", Level::note, "without CAP_NET_RAW names and markers of phones arrive mixed",
+            "sudo setcap cap_net_raw+ep " + self.string()};
+}
+
+Check CheckMtu()
+{
+    const int mtu = ExchangeMtuIn(ContentOf(kMainConf));
+    if (mtu == 0) {
+        return {"MTU", Level::good, "bluetoothd's own (517)", ""};
+    }
+    const std::string found = std::string(kMainConf) + " says ExchangeMTU = " + std::to_string(mtu);
+    if (mtu >= kWantedMtu) {
+        return {"MTU", Level::good, found, ""};
+    }
+    return {"MTU", Level::note, found + ": messages take several writes",
+            "set ExchangeMTU = 256 in the section [GATT] and restart bluetoothd"};
+}
+
+Check CheckAccessPoint()
+{
+    const auto found = FindConnectedAccessPoint();
+    if (!found) {
+        return {"access point", Level::note, "wpa_supplicant tells of no connection: channel 1 is offered",
+                "sudo systemctl start wpa_supplicant (with its D-Bus interface, -u) and connect"};
+    }
+    return {"access point", Level::good, found->bssid + ", " + std::to_string(found->frequency) + " MHz", ""};
+}
+
+Check CheckDirectAddress()
+{
+    try {
+        return {"Wi-Fi Direct", Level::good, ReadDirectAddress(), ""};
+    } catch (const std::exception& error) {
+        return {
+            "Wi-Fi Direct", Level::problem, std::string("no address, so no message can be built: ") + error.what(),
+            "start wpa_supplicant with ctrl_interface=DIR=/run/wpa_supplicant, and join the group of that folder"};
+    }
+}
+
+/// The deepest folder of a path that is there.
+fs::path Existing(fs::path folder)
+{
+    std::error_code error;
+    while (!fs::exists(folder, error) && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
+    return folder;
+}
+
+Check CheckSettings()
+{
+    const auto folders = SettingsFolders::FromEnvironment();
+    for (const fs::path& folder : {folders.state, folders.runtime}) {
+        if (::access(Existing(folder).c_str(), W_OK) != 0) {
+            return {"settings", Level::problem, folder.string() + " cannot be written",
+                    "sudo install -d -o $USER " + folder.string()};
+        }
+    }
+    const SettingsStore store(folders);
+    for (const char* const key :
+         {"db/menu/network/devicename/tv_name", "memory/menu/network/screenmirroring/p2p_listen_channel"}) {
+        try {
+            store.Read(key);
+        } catch (const std::exception& error) {
+            return {"settings", Level::problem, error.what(),
+                    std::string("lynctl settings set ") + key + " VALUE"};
+        }
+    }
+    return {"settings", Level::good, folders.state.string() + ", " + folders.runtime.string(), ""};
+}
+
+}  // namespace
+
+int ExchangeMtuIn(const std::string& mainConf)
+{
+    GKeyFile* const file = g_key_file_new();
+    int mtu = 0;
+    if (g_key_file_load_from_data(file, mainConf.data(), mainConf.size(), G_KEY_FILE_NONE, nullptr) != FALSE) {
+        mtu = g_key_file_get_integer(file, "GATT", "ExchangeMTU", nullptr);
+    }
+    g_key_file_unref(file);
+    return mtu;
+}
+
+std::vector<Check> CheckMachine()
+{
+    const auto bus = Bus::System();
+    const AdapterStatus adapter = Adapter::Instance().Read();
+    std::vector<Check> checks = {CheckBus(bus.get()), CheckBluetoothd(bus.get()), CheckAdapter(adapter)};
+    if (!adapter.path.empty()) {
+        checks.push_back(CheckPower(adapter));
+    }
+    for (const auto check : {CheckRights, CheckMtu, CheckAccessPoint, CheckDirectAddress, CheckSettings}) {
+        checks.push_back(check());
+    }
+    return checks;
+}
+
+}  // namespace lynctl
