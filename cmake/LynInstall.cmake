@@ -25,6 +25,14 @@ if(LYN_BUNDLED_PLATFORMS)
         DESTINATION "${CMAKE_INSTALL_DATADIR}/lyn_service" COMPONENT runtime)
     install(DIRECTORY platform/simulator/scenarios DESTINATION "${CMAKE_INSTALL_DATADIR}/lyn_service"
         COMPONENT runtime FILES_MATCHING PATTERN "*.json")
+
+    # Opened at run time, so nobody links to it.
+    install(TARGETS lyn_platform_linux
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/lyn/linux" COMPONENT runtime NAMELINK_SKIP)
+    install(TARGETS lyn-advertiser RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+    install(FILES packaging/advertiser.json DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples" COMPONENT runtime)
+    configure_file(packaging/systemd/lyn-advertiser.service.in "${PROJECT_BINARY_DIR}/lyn-advertiser.service" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/lyn-advertiser.service" DESTINATION lib/systemd/system COMPONENT runtime)
 endif()
 
 install(EXPORT lyn_serviceTargets NAMESPACE lyn:: DESTINATION "${lyn_cmake_dir}" COMPONENT dev)
