@@ -44,25 +44,6 @@ Bytes WithFlags(const Bytes& manufacturerValue)
 
 }  // namespace
 
-std::optional<ManufacturerDataView> FindManufacturerData(std::span<const std::uint8_t> packet)
-{
-    while (!packet.empty()) {
-        const std::size_t length = packet[0];
-        if (length == 0 || length >= packet.size()) {
-            return std::nullopt;  // padding up to the end, or a lie
-        }
-        if (packet[1] == kManufacturerDataType) {
-            if (length < 3) {
-                return std::nullopt;
-            }
-            const auto company = static_cast<std::uint16_t>(packet[2] | packet[3] << 8);
-            return ManufacturerDataView{company, packet.subspan(4, length - 3)};
-        }
-        packet = packet.subspan(length + 1);
-    }
-    return std::nullopt;
-}
-
 std::optional<Feature> FeatureNamed(const std::string& name)
 {
     if (name == "mirroring") {

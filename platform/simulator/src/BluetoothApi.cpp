@@ -1,42 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-
-#include "AdvertisingData.h"
+#include "ManufacturerData.h"
 #include "PlatformApi.h"
 #include "PlatformCall.h"
 
 using namespace lyn::simulator;
-
-namespace {
-
-std::span<const std::uint8_t> PacketOf(const bt_adapter_le_device_scan_result_info_s& info,
-                                       bt_adapter_le_packet_type_e type)
-{
-    const bool advertising = type == BT_ADAPTER_LE_PACKET_ADVERTISING;
-    const char* data = advertising ? info.adv_data : info.scan_data;
-    const int length = advertising ? info.adv_data_len : info.scan_data_len;
-    if (data == nullptr || length <= 0) {
-        return {};
-    }
-    return {reinterpret_cast<const std::uint8_t*>(data), static_cast<std::size_t>(length)};
-}
-
-char* CopyWithNul(std::span<const std::uint8_t> bytes)
-{
-    auto* copy = static_cast<char*>(std::malloc(bytes.size() + 1));
-    if (copy == nullptr) {
-        return nullptr;
-    }
-    if (!bytes.empty()) {
-        std::memcpy(copy, bytes.data(), bytes.size());
-    }
-    copy[bytes.size()] = '\0';
-    return copy;
-}
-
-}  // namespace
+namespace platform = lyn::platform;
 
 int bt_product_init(void)
 {
@@ -153,13 +121,13 @@ int bt_adapter_le_get_scan_result_manufacturer_data(const bt_adapter_le_device_s
             type > 1) {
             return kInvalidArgument;
         }
-        const auto found = FindManufacturerData(PacketOf(*info, packet_type));
+        const auto found = platform::FindManufacturerData(platform::PacketOf(*info, packet_type));
         if (!found) {
             return kMalformed;
         }
         char* copy = nullptr;
         if (!call.simulator.faults.DrawNull("bt_adapter_le_get_scan_result_manufacturer_data")) {
-            copy = CopyWithNul(found->data);
+            copy = platform::CopyWithNul(found->data);
         }
         *company = found->company;
         *data = copy;
