@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "bluez/Adapter.h"
+#include "bus/Bus.h"
+#include "loop/MainContext.h"
+
+namespace lyn::linux_platform {
+
+/// How much is left of the time that a call of the core may take.
+class Deadline {
+public:
+    explicit Deadline(int milliseconds) : m_end(Clock::now() + std::chrono::milliseconds(milliseconds)) {}
+
+    /// 0 when it is over.
+    int LeftMs() const;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point m_end;
+};
+
+/// This process's LE discovery in bluetoothd, which goes on for others when it is stopped here. While it is
+/// wanted, it is started again when bluetoothd or the adapter has been away. Any thread, unless it says otherwise.
+class Discovery {
+public:
+    /// Starts it, and waits until bluetoothd has said so. @return 0 or a code of the seam
+    int Start(const std::string& adapterPath, const Deadline& deadline);
+
+    /// Does not wait for an answer: bluetoothd handles what is called later after it.
+    void Stop();
+
+    /// It is on, as far as is known.
+    bool IsOn() const;
+
+    /// It is on, or bluetoothd has not answered to the stop yet.
+    bool IsRunning() const;
+
+    /// To be told of each change of the adapter. On the main context.
+    void OnAdapter(const AdapterStatus& status);
+
+private:
+    enum class State { off, starting, on };
+
+    static int StartNow(const Bus& bus, const std::string& adapterPath, const Deadline& deadline);
+    void StartLater(const std::string& adapterPath);
+    void OnStarted(int code, const std::string& adapterPath);
+    int Settle(int code, const std::string& adapterPath);
+    void SendStop(const std::string& adapterPath);
+
+    mutable std::mutex m_mutex;
+    bool m_wanted = false;
+    State m_state = State::off;
+    std::string m_path;  ///< of the adapter where it was started last
+    int m_stopsUnanswered = 0;
+
+    Timer m_retry;  ///< on the main context
+};
+
+}  // namespace lyn::linux_platform

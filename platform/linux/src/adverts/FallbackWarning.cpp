@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "adverts/FallbackWarning.h"
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "log/Log.h"
+
+namespace lyn::linux_platform {
+
+namespace {
+
+std::string Program()
+{
+    std::error_code failed;
+    const auto path = std::filesystem::read_symlink("/proc/self/exe", failed);
+    return failed ? "PROGRAM" : path.string();
+}
+
+}  // namespace
+
+void WarnOfFallback(int error)
+{
+    static std::atomic<bool> warned{false};
+    if (warned.exchange(true)) {
+        return;
+    }
+    const std::string reason = error == EPERM ? "CAP_NET_RAW is missing" : std::generic_category().message(error);
+    LogWarn(
+        "no raw HCI socket (%s): adverts come over D-Bus, where a phone's scan response replaces its advertising "
+        "packet, so mirroring and Kov phones are found late or never. To grant it: setcap cap_net_raw+ep %s, "
+        "or AmbientCapabilities=CAP_NET_RAW in the systemd unit",
+        reason.c_str(), Program().c_str());
+}
+
+}  // namespace lyn::linux_platform
