@@ -101,7 +101,10 @@ HciSocket::Got HciSocket::Read(std::span<std::uint8_t> buffer, std::size_t& leng
     do {
         received = ::recv(m_descriptor, buffer.data(), buffer.size(), MSG_DONTWAIT);
     } while (received < 0 && errno == EINTR);
-    if (received >= 0) {
+    if (received == 0) {
+        return Got::failure;  // No packet is empty: the other end is gone.
+    }
+    if (received > 0) {
         length = static_cast<std::size_t>(received);
         return Got::packet;
     }

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A program of its own: the line is written once in a process.
+#include <cerrno>
+#include <cstdlib>
+
+#include "adverts/FallbackWarning.h"
+
+namespace lyn::linux_platform {
+namespace {
+
+TEST(FallbackWarning, SaysOnceWhatIsLostAndHowToGrantIt)
+{
+    ::setenv("LYN_LOG_TARGET", "stderr", 1);
+    ::unsetenv("LYN_LOG_LEVEL");
+    ::testing::internal::CaptureStderr();
+    WarnOfFallback(EPERM);
+    WarnOfFallback(EPERM);
+    const std::string log = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+    EXPECT_THAT(log, ::testing::HasSubstr("W/LYN_PLATFORM"));
+    EXPECT_THAT(log, ::testing::HasSubstr("CAP_NET_RAW is missing"));
+    EXPECT_THAT(log, ::testing::HasSubstr("mirroring and Kov phones are found late or never"));
+    EXPECT_THAT(log, ::testing::ContainsRegex("setcap cap_net_raw\\+ep /.*test_linux_adverts_warning"));
+    EXPECT_THAT(log, ::testing::HasSubstr("AmbientCapabilities=CAP_NET_RAW"));
+}
+
+}  // namespace
+}  // namespace lyn::linux_platform
