@@ -13,7 +13,11 @@ const std::string kFilter = "SetDiscoveryFilter ({'Transport': <'le'>, 'Duplicat
 
 class DiscoveryTest : public ScanTest {
 protected:
-    DiscoveryTest() : adapter(std::make_unique<FakeAdapter>()) { EXPECT_EQ(bt_product_init(), 0); }
+    DiscoveryTest() : adapter(std::make_unique<FakeAdapter>())
+    {
+        EXPECT_EQ(bt_product_init(), 0);
+        RunQuietly(20);  // the adapter is watched from the main context
+    }
 
     bool WaitFor(const Calls& expected)
     {
