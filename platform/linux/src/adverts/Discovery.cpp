@@ -118,8 +118,8 @@ void Discovery::Stop()
 void Discovery::SendStop(const std::string& adapterPath)
 {
     const auto bus = Bus::System();
-    if (bus == nullptr) {
-        return;
+    if (bus == nullptr || adapterPath.empty()) {
+        return;  // What has gone has ended its discoveries.
     }
     {
         const std::lock_guard lock(m_mutex);

@@ -57,7 +57,7 @@ private:
     mutable std::mutex m_mutex;
     bool m_wanted = false;
     State m_state = State::off;
-    std::string m_path;  ///< of the adapter where it was started last
+    std::string m_path;  ///< of the adapter where it was started last; empty when that has gone
     int m_stopsUnanswered = 0;
 
     Timer m_retry;  ///< on the main context
