@@ -38,7 +38,7 @@ public:
     void LoadByte(unsigned at) { Add(BPF_LD | BPF_B | BPF_ABS, at); }
     void LoadByteAtX(unsigned at) { Add(BPF_LD | BPF_B | BPF_IND, at); }
     void LoadTwoBytesAtX(unsigned at) { Add(BPF_LD | BPF_H | BPF_IND, at); }
-    void SetX(unsigned value) { Add(BPF_LDX | BPF_W | BPF_IMM, value); }
+    void SetX(unsigned value) { Add(BPF_LDX | BPF_IMM, value); }
     void Return(unsigned result) { Add(BPF_RET | BPF_K, result); }
 
     void ReturnIf(unsigned value, unsigned result)
@@ -70,7 +70,7 @@ public:
     void Keep(unsigned slot) { Add(BPF_ST, slot); }
     void AddKeptToX(unsigned slot)
     {
-        Add(BPF_LD | BPF_W | BPF_MEM, slot);
+        Add(BPF_LD | BPF_MEM, slot);
         Add(BPF_ALU | BPF_ADD | BPF_X, 0);
         Add(BPF_MISC | BPF_TAX, 0);
     }

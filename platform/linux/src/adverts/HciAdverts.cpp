@@ -61,8 +61,7 @@ void HciAdverts::Watch()
 
 bool HciAdverts::ReadAll()
 {
-    std::array<std::uint8_t, kLongestPacket>
-        buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by Read
+    std::array<std::uint8_t, kLongestPacket> buffer{};
     for (int i = 0; i < kMostPackets && !m_ended; ++i) {
         std::size_t length = 0;
         switch (m_socket.Read(buffer, length)) {

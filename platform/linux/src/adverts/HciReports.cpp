@@ -39,6 +39,12 @@ public:
         return taken.empty() ? std::uint8_t{0} : taken[0];
     }
 
+    int SignedByte()
+    {
+        const int byte = Byte();
+        return byte < 0x80 ? byte : byte - 0x100;
+    }
+
     unsigned TwoBytes()
     {
         const unsigned low = Byte();
@@ -107,7 +113,7 @@ std::optional<AdvertReport> TakeReport(Reader& reader)
     report.set = kNoSet;
     report.device = TakeDevice(reader);
     report.data = reader.Take(reader.Byte());
-    report.rssi = static_cast<std::int8_t>(reader.Byte());
+    report.rssi = reader.SignedByte();
     if (!kind) {
         return std::nullopt;
     }
@@ -125,7 +131,7 @@ std::optional<AdvertReport> TakeExtendedReport(Reader& reader)
     reader.Skip(2);  // primary and secondary PHY
     report.set = reader.Byte();
     reader.Skip(1);  // transmit power
-    report.rssi = static_cast<std::int8_t>(reader.Byte());
+    report.rssi = reader.SignedByte();
     reader.Skip(2 + 1 + kAddressLength);  // periodic interval, whom it is directed to
     report.data = reader.Take(reader.Byte());
     if (!status || report.device.type == kAnonymous) {
