@@ -74,6 +74,7 @@ class Agent:
         os.environ["LYN_VM_BUILD"] = self._plan["build"]
 
     def run(self):
+        daemons.say("the agent begins")
         try:
             running = daemons.up(self._plan["needs"])
         except Exception as reason:

@@ -42,6 +42,12 @@ def _log(name):
     return os.path.join(LOGS, name + ".log")
 
 
+def say(text):
+    """A line for the guest's console, with the time since its start."""
+    with open("/proc/uptime", encoding="utf-8") as file:
+        print("[%s] %s" % (file.read().split()[0], text), flush=True)
+
+
 def on_the_bus(name):
     shown = subprocess.run(["busctl", "--system", "call", "org.freedesktop.DBus", "/org/freedesktop/DBus",
                             "org.freedesktop.DBus", "NameHasOwner", "s", name], capture_output=True, text=True,
@@ -54,6 +60,7 @@ def bus_up():
         return
     os.makedirs("/run/dbus", exist_ok=True)
     run("dbus-daemon", "--system", "--fork", "--nopidfile")
+    say("the bus is up")
 
 
 def controllers_up():
@@ -66,6 +73,7 @@ def controllers_up():
             end = time.monotonic() + 4
             while time.monotonic() < end:
                 if len(management.indexes()) == CONTROLLERS:
+                    say("controllers are up")
                     return btvirt
                 time.sleep(0.05)
             btvirt.stop()
@@ -78,6 +86,7 @@ def bluetoothd_up(*options):
     wait_for(lambda: on_the_bus("org.bluez"), 15, "bluetoothd")
     with Management() as management:
         wait_for(lambda: all(management.powered(index) for index in management.indexes()), 15, "adapters with power")
+    say("bluetoothd is up")
     return daemon
 
 
@@ -100,6 +109,7 @@ def wifi_up():
                       "-c", "/run/wpa_supplicant.conf")
     wait_for(lambda: "wpa_state=COMPLETED" in run("wpa_cli", "-p", "/run/wpa_supplicant", "-i", "wlan1", "status",
                                                   status=None), 30, "the connection to the access point")
+    say("connected to the access point")
     return [point, station]
 
 
