@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "Address.h"
 #include "PlatformApi.h"
 #include "PlatformCall.h"
 

@@ -8,7 +8,7 @@
 #include <limits>
 #include <memory>
 
-#include "Room.h"
+#include "Address.h"
 #include "lyn_simulator/simulator.h"
 
 namespace lyn::simulator {

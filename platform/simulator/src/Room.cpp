@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "Address.h"
 #include "Simulator.h"
 
 namespace lyn::simulator {
@@ -68,23 +69,6 @@ const Characteristic* FindOffered(const Phone& phone, const std::string& service
         }
     }
     return nullptr;
-}
-
-std::optional<std::string> CanonicalAddress(const std::string& text)
-{
-    constexpr std::size_t kLength = 17;
-    if (text.size() != kLength) {
-        return std::nullopt;
-    }
-    std::string address = text;
-    for (std::size_t i = 0; i < kLength; ++i) {
-        const bool good = i % 3 == 2 ? address[i] == ':' : g_ascii_isxdigit(address[i]);
-        if (!good) {
-            return std::nullopt;
-        }
-        address[i] = g_ascii_toupper(address[i]);
-    }
-    return address;
 }
 
 Room::Room(Simulator& simulator) : m_simulator(simulator) {}

@@ -67,7 +67,4 @@ private:
 /// What a phone offers under the UUIDs of a service and a characteristic, or null.
 const Characteristic* FindOffered(const Phone& phone, const std::string& serviceUuid, const std::string& uuid);
 
-/// Upper-case form of six hexadecimal pairs joined by colons; none for any other text.
-std::optional<std::string> CanonicalAddress(const std::string& text);
-
 }  // namespace lyn::simulator
