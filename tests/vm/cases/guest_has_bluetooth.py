@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Shows: the guest has two controllers with power, and what one advertises the other hears
+# Shows: the guest is what the other cases need: two controllers, both with power, known to bluetoothd
 # Guest: bluetooth
 from vm import bus
 from vm.checks import equal
