@@ -6,6 +6,7 @@ usage: agent.py FOLDER    with plan.json; gets the logs"""
 import json
 import os
 import runpy
+import shutil
 import signal
 import sys
 import termios
@@ -18,6 +19,7 @@ sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)))
 from vm import clean, daemons  # noqa: E402
 from vm.checks import Failed  # noqa: E402
 
+SETTINGS = "/run/lyn-settings"
 SETTLING = 10
 SHOWN_LINES = 40
 
@@ -72,6 +74,10 @@ class Agent:
         with open(os.path.join(folder, "plan.json"), encoding="utf-8") as file:
             self._plan = json.load(file)
         os.environ["LYN_VM_BUILD"] = self._plan["build"]
+        # Settings must be in a file system that tells of changes; the shared one does not.
+        os.environ["LYN_STATE_DIR"] = os.path.join(SETTINGS, "state")
+        os.environ["LYN_RUNTIME_DIR"] = os.path.join(SETTINGS, "run")
+        os.environ["LYN_LOG_TARGET"] = "stderr"
 
     def run(self):
         daemons.say("the agent begins")
@@ -91,6 +97,7 @@ class Agent:
         folder = os.path.join(self._folder, case["name"])
         log = os.path.join(folder, "case.log")
         os.makedirs(folder)
+        shutil.rmtree(SETTINGS, ignore_errors=True)
         before = clean.processes()
         begun = time.monotonic()
 

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """What a person sees while the cases run, and at the end."""
+import resource
 import sys
 import time
 
@@ -31,8 +32,9 @@ class Table:
 
     def summary(self, passed, failed, guests):
         self._clear()
-        print("%d of %d cases passed, %d guests, %.0f s" %
-              (passed, passed + failed, guests, time.monotonic() - self._start), flush=True)
+        used = resource.getrusage(resource.RUSAGE_CHILDREN)
+        print("%d of %d cases passed, %d guests, %.0f s, of which the processor worked %.0f s" % (
+            passed, passed + failed, guests, time.monotonic() - self._start, used.ru_utime + used.ru_stime), flush=True)
 
     def _clear(self):
         if self._terminal:
