@@ -5,7 +5,7 @@
 
 # The release stage is the last one, so that its summary, of all tests, ends the output, and the path of the
 # page that they make.
-all_stages=(format build asan fuzz tsan tidy release)
+all_stages=(format build asan fuzz tsan tidy vm release)
 
 declare -A about=(
     [format]="every source is formatted as .clang-format says"
@@ -14,6 +14,7 @@ declare -A about=(
     [fuzz]="the fuzzers' seeds, and a fixed number of further inputs for each"
     [tsan]="the concurrent tests under Clang's thread sanitizer"
     [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
+    [vm]="the system tests in virtual machines: real kernel, bluetoothd, access point and virtual controllers"
     [release]="all tests of the optimised build; they reach every log line, result, state and return value"
 )
 
@@ -74,6 +75,16 @@ stage_tidy()
     # The build makes the generated sources and the list of commands.
     build_preset asan &&
         find core platform src tools -name '*.cpp' | sort | xargs -n 1 -P "$jobs" scripts/tidy-one build/asan
+}
+
+stage_vm()
+{
+    build_preset release || return
+    local status=0
+    tests/vm/run || status=$?
+    # This machine cannot: that is no reason to believe that all is well.
+    [ "$status" -ne 3 ] || echo "NOT TESTED: the system tests need virtual machines; ./test --no-vm leaves them out" >&2
+    return "$status"
 }
 
 stage_release()
@@ -144,6 +155,6 @@ run_stage()
 result_line()
 {
     local stage="$1" log="$2" seconds="$3" found
-    found="$(grep -E '^(100% tests passed|lines: |branches: )' "$log" | tr '\n' ' ' || true)"
+    found="$(grep -E '^(100% tests passed|lines: |branches: |[0-9]+ of [0-9]+ cases passed)' "$log" | tr '\n' ' ' || true)"
     printf '%-9s ok, %d s  %s\n' "$stage" "$seconds" "$found"
 }

@@ -12,7 +12,8 @@ with Management() as management:
     address = management.address(1)
     tv = management.address(0)
 service, characteristic = SERVICES["mirroring"]
-LONG = bytes(32 + i % 90 for i in range(512))
+# The longest that bluetoothd 5.66 takes as a phone when it comes in parts: it counts their headers too.
+LONG = bytes(32 + i % 90 for i in range(508))
 
 answers = ["Success", {"hex": "00 FF 80"}, {"text": "late", "delayMs": 1500}, {"text": "twice", "repeat": 2},
            {"text": "early", "beforeCompletion": True, "delayMs": 100}, {"kind": "silent"},
@@ -33,7 +34,7 @@ with scripted(feature("mirroring", *answers)) as phone:
 
         link.write(LONG)
         equal(link.hear(2, 5)[1:], [b"\x00\xff\x80"], "the answer of bytes")
-        equal(phone.wait("written")["hex"], LONG.hex(), "512 bytes as they arrived")
+        equal(phone.wait("written")["hex"], LONG.hex(), "the long message as it arrived")
 
         begin = time.monotonic()
         link.write(b"three")

@@ -83,7 +83,7 @@ def controllers_up():
 
 
 def configure_bluetoothd():
-    """An MTU as on a TV. (bluetoothd 5.66 as a phone refuses 511 and 512 bytes that come in one piece.)"""
+    """An MTU as on a TV."""
     with open("/etc/bluetooth/main.conf", "a", encoding="utf-8") as file:
         file.write("\n[GATT]\nExchangeMTU = 256\n")
 
