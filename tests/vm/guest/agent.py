@@ -106,19 +106,21 @@ class Agent:
             runpy.run_path(case["path"], run_name="__main__")
 
         failure = in_child(work, log, case["limit"])
-        left = self._left(before, folder, case == self._plan["cases"][-1])
-        left += ["%s has ended" % daemon.log for daemon in running if not daemon.runs()]
+        left = self._left(before, folder, running, case == self._plan["cases"][-1])
         self._host.tell(event="end", passed=failure is None and not left, seconds=time.monotonic() - begun,
                         clean=not left, text=self._text(failure, left, log))
         return not left
 
-    def _left(self, before, folder, last):
-        """What the case left behind. Nobody minds the state of the radio after the last case."""
+    def _left(self, before, folder, running, last):
+        """What the case left behind. Nobody minds the state of daemons and radio after the last case."""
         left = ["process still runs: " + command for number, command in clean.processes().items()
                 if number not in before]
         for number in clean.processes().keys() - before.keys():
             os.kill(number, signal.SIGKILL)
-        if last or "bluetooth" not in self._plan["needs"]:
+        if last:
+            return left
+        left += ["%s has ended" % daemon.log for daemon in running if not daemon.runs()]
+        if "bluetooth" not in self._plan["needs"]:
             return left
         found = os.path.join(folder, "left.json")
 
