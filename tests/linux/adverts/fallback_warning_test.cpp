@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A program of its own: the line is written once in a process.
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 

@@ -208,7 +208,7 @@ TEST_F(PacketJoinerTest, TheNextDeadlineIsTheEarliest)
 
 TEST_F(PacketJoinerTest, AFloodLosesNoAdvertAndTakesNoMoreMemory)
 {
-    const int flood = 100'000;
+    const int flood = 20'000;
     std::size_t delivered = 0;
     for (int i = 0; i < flood; ++i) {
         DeviceAddress device;

@@ -77,7 +77,7 @@ public:
     void AddToX(unsigned value)
     {
         Add(BPF_MISC | BPF_TXA, 0);
-        Add(BPF_ALU | BPF_ADD | BPF_K, value);
+        Add(BPF_ALU | BPF_ADD, value);
         Add(BPF_MISC | BPF_TAX, 0);
     }
 
