@@ -110,6 +110,8 @@ void Adapter::BeginWatching()
         m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
         return;
     }
+    // What was read when watching was asked for is no change.
+    m_told = Known();
     m_subscriptions.push_back(m_bus->OnClosed([this] { BeginAgain(); }));
     m_subscriptions.push_back(m_bus->OnOwner(kBluez, [this](const std::string& owner) {
         if (!owner.empty()) {
