@@ -11,6 +11,7 @@ inline constexpr int kInvalidArgument = -EINVAL;
 inline constexpr int kNoBus = -EHOSTDOWN;
 inline constexpr int kAdapterOff = -ENODEV;
 inline constexpr int kNotConnected = -ENOTCONN;
+inline constexpr int kAlreadyDone = -EALREADY;
 inline constexpr int kBusy = -EBUSY;
 inline constexpr int kCanceled = -ECANCELED;
 inline constexpr int kNotFound = -ENOENT;

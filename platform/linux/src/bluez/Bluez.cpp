@@ -78,6 +78,12 @@ void ForEachObject(const Reply& objects, const char* interface,
     }
 }
 
+Variant ChangedProperties(GVariant* signal)
+{
+    const bool good = g_variant_is_of_type(signal, G_VARIANT_TYPE("(sa{sv}as)")) != FALSE;
+    return Variant(good ? g_variant_get_child_value(signal, 1) : nullptr);
+}
+
 std::string DevicePath(const std::string& adapterPath, const std::string& address)
 {
     std::string name = address;

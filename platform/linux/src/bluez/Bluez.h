@@ -29,6 +29,9 @@ Method AllObjects();
 void ForEachObject(const Reply& objects, const char* interface,
                    const std::function<void(const std::string& path, GVariant* properties)>& each);
 
+/// The new values a{sv} that a PropertiesChanged signal tells; null when it is malformed.
+Variant ChangedProperties(GVariant* signal);
+
 /// The object of a device of an adapter. The address may have any letter case.
 std::string DevicePath(const std::string& adapterPath, const std::string& address);
 

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bus/Bus.h"
+
+namespace lyn::linux_platform {
+
+/// Lets BlueZ discover until it knows a device again. It forgets devices half a minute after a discovery. Ends
+/// when it is destroyed, and leaves no discovery behind; a scan that runs already serves as well, and goes on. On
+/// the main context.
+class DeviceSearch {
+public:
+    /// 0 when the device is there and the discovery has ended, else why there can be no discovery.
+    using Done = std::function<void(int code)>;
+
+    DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, std::string devicePath, Done done);
+    ~DeviceSearch();
+    DeviceSearch(const DeviceSearch&) = delete;
+    DeviceSearch& operator=(const DeviceSearch&) = delete;
+
+private:
+    void Start();
+    void OnStarted(const Reply& reply);
+    void OnFound();
+    void Stop(ReplyHandler done);
+
+    std::shared_ptr<Bus> m_bus;
+    std::string m_adapterPath;
+    Done m_done;
+    bool m_discovering = false;  ///< a discovery of our own
+    Subscription m_added;
+    /// Lets answers find out that the search is over.
+    std::shared_ptr<DeviceSearch*> m_self = std::make_shared<DeviceSearch*>(this);
+};
+
+}  // namespace lyn::linux_platform
