@@ -102,10 +102,27 @@ void Link::OnInterfacesRemoved(GVariant* values)
     for (gsize i = 0; i < count; ++i) {
         const Variant name(g_variant_get_child_value(interfaces.get(), i));
         if (std::string(g_variant_get_string(name.get(), nullptr)) == kDevice) {
-            Abort(kNotFound);
+            OnForgotten();
             return;
         }
     }
+}
+
+void Link::OnForgotten()
+{
+    if (m_state != State::connecting) {
+        Abort(kNotFound);
+        return;
+    }
+    // This may be older than the connect: then the object is there again, or the reply says that it is not.
+    const auto onProperties = [self = weak_from_this()](const Reply& reply) {
+        const auto link = self.lock();
+        const bool forgotten = !reply.Ok() && CodeOf(*reply.error) == kNotFound;
+        if (link != nullptr && link->m_state == State::connecting && link->m_search == nullptr && forgotten) {
+            link->Abort(kNotFound);
+        }
+    };
+    AskProperties(onProperties);
 }
 
 void Link::Connect()
@@ -159,8 +176,13 @@ void Link::Resolve()
             }
         }
     };
+    AskProperties(onProperties);
+}
+
+void Link::AskProperties(ReplyHandler done)
+{
     m_bus->Call(BluezMethod(m_path, kProperties, "GetAll"), g_variant_new("(s)", kDevice), LongerThanTheTimer(),
-                onProperties);
+                std::move(done));
 }
 
 void Link::LookUp()

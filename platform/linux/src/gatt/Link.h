@@ -43,11 +43,13 @@ private:
     void Watch();
     void OnDeviceChanged(GVariant* changed);
     void OnInterfacesRemoved(GVariant* values);
+    void OnForgotten();
 
     void Connect();
     void OnConnectReply(const Reply& reply);
     void Search();
     void Resolve();
+    void AskProperties(ReplyHandler done);
     void LookUp();
     void OnObjects(const Reply& reply);
 

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A whole request, in which each answer in turn goes wrong in each way.
+#include <algorithm>
+#include <cstdio>
+
+#include "GattRoom.h"
+#include "Request.h"
+
+namespace lyn::linux_tests {
+namespace {
+
+using linux_platform::TimeLimits;
+
+struct Mishap {
+    const char* name;
+    Treatment treatment;
+};
+
+const std::vector<Mishap>& Mishaps()
+{
+    static const std::vector<Mishap> mishaps = {
+        {"fails", Treatment::Fails("org.bluez.Error.Failed")},
+        {"is refused as busy", Treatment::Fails("org.bluez.Error.InProgress")},
+        {"is unknown", Treatment::Fails("org.freedesktop.DBus.Error.UnknownObject")},
+        {"is late", Treatment::Late(60)},
+        {"comes twice", Treatment::Twice()},
+        {"is done and never answered", Treatment::DoneWithoutAnswer()},
+        {"is never done", Treatment::Ignored()},
+        {"kills bluetoothd", Treatment::Dies()},
+    };
+    return mishaps;
+}
+
+/// One call of a request: the nth of its method.
+struct Step {
+    std::string method;
+    int nth = 0;
+};
+
+class LinuxSweep : public GattRoom {
+protected:
+    void SetUp() override
+    {
+        TimeLimits() = {
+            .connect = 250, .takeDown = 150, .secondLook = 10, .startNotify = 150, .write = 150, .readMtu = 150};
+    }
+
+    std::vector<Step> StepsOfARequest(bool forgotten)
+    {
+        bluez->Forget();
+        RunOne(forgotten, "Success");
+        RunQuietly(50);
+        std::vector<Step> steps;
+        for (const std::string& method : bluez->Calls()) {
+            const auto before =
+                std::count_if(steps.begin(), steps.end(), [&](const Step& step) { return step.method == method; });
+            steps.push_back({method, static_cast<int>(before) + 1});
+        }
+        return steps;
+    }
+
+    void RunOne(bool forgotten, const std::string& expected)
+    {
+        if (forgotten) {
+            bluez->ForgetPhone(kPhone);
+        }
+        Request request;
+        const std::string result = request.Run();
+        if (!expected.empty()) {
+            EXPECT_EQ(result, expected);
+        }
+        EXPECT_EQ(request.connectReports, 1);
+        EXPECT_LE(request.endReports, 1);
+        EXPECT_LE(request.completions, 1);
+        EXPECT_LE(request.mtuReports, 1);
+    }
+
+    void Recover()
+    {
+        bluez->TreatWell();
+        bluez->Return();
+        WaitForAdapter(true);
+        RunUntil([&] { return !bluez->IsConnected(kPhone) || bt_gatt_disconnect(kPhone) != 0; });
+    }
+
+    void Sweep(bool forgotten)
+    {
+        const auto steps = StepsOfARequest(forgotten);
+        ASSERT_GE(steps.size(), 7U);
+        int runs = 0;
+        for (const Step& step : steps) {
+            for (const Mishap& mishap : Mishaps()) {
+                SCOPED_TRACE(step.method + " no. " + std::to_string(step.nth) + " " + mishap.name);
+                bluez->Treat(step.method, step.nth, mishap.treatment);
+                RunOne(forgotten, "");
+                Recover();
+                RunOne(false, "Success");
+                ++runs;
+                ASSERT_FALSE(HasFailure());
+            }
+        }
+        std::printf("%d requests with a mishap, each followed by one without\n", runs);
+    }
+};
+
+TEST_F(LinuxSweep, ARequestHasOneEndWhateverAnswerGoesWrong)
+{
+    Sweep(false);
+}
+
+TEST_F(LinuxSweep, ARequestToAForgottenPhoneHasOneEndWhateverAnswerGoesWrong)
+{
+    Sweep(true);
+}
+
+}  // namespace
+}  // namespace lyn::linux_tests
