@@ -91,6 +91,11 @@ void FakeBluez::ForgetPhone(const std::string& address)
         Refuse(call, kFailed, "le-connection-canceled");
     }
     Remove(DevicePath(address));
+    Later(5, [this] {
+        if (IsDiscovering()) {
+            ShowPhonesInReach(AdapterPath("hci0"));
+        }
+    });
 }
 
 void FakeBluez::DropLink(const std::string& address)
@@ -197,8 +202,13 @@ void FakeBluez::Discover(const Call& call)
     }
     Set(call.path, kAdapter, "Discovering", g_variant_new_boolean(TRUE));
     Answer(call);
+    ShowPhonesInReach(call.path);
+}
+
+void FakeBluez::ShowPhonesInReach(const std::string& adapterPath)
+{
     for (const auto& [address, state] : m_phones) {
-        const bool near = state.behaviour.inReach && AdapterPath(state.behaviour.adapter) == call.path;
+        const bool near = state.behaviour.inReach && AdapterPath(state.behaviour.adapter) == adapterPath;
         if (near && !Has(DevicePath(address))) {
             ShowDevice(address);
         }

@@ -71,6 +71,7 @@ private:
     void Discover(const Call& call);
     void Write(const Call& call);
     void CancelConnects(const std::string& reason);
+    void ShowPhonesInReach(const std::string& adapterPath);
     void ShowDevice(const std::string& address);
     void BringUp(const std::string& address);
     void TakeDown(const std::string& address);

@@ -37,6 +37,12 @@ struct Treatment {
     static Treatment Dies();
 };
 
+/// Owns a message from now on.
+inline std::shared_ptr<GDBusMessage> SharedMessage(GDBusMessage* message)
+{
+    return {message, [](GDBusMessage* owned) { g_object_unref(owned); }};
+}
+
 class FakeDaemon {
 public:
     /// A call, to be answered once by Answer() or Refuse(), now or later.

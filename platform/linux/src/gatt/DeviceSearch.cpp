@@ -9,6 +9,15 @@
 
 namespace lyn::linux_platform {
 
+namespace {
+
+void StopDiscovery(const Bus& bus, const std::string& adapterPath, ReplyHandler done)
+{
+    bus.Call(BluezMethod(adapterPath, kAdapter, "StopDiscovery"), nullptr, TimeLimits().connect, std::move(done));
+}
+
+}  // namespace
+
 DeviceSearch::DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, std::string devicePath, Done done)
     : m_bus(std::move(bus)),
       m_adapterPath(std::move(adapterPath)),
@@ -28,7 +37,9 @@ DeviceSearch::DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, st
 
 DeviceSearch::~DeviceSearch()
 {
-    Stop([](const Reply&) {});
+    if (m_discovery == Discovery::asked || m_discovery == Discovery::ours) {
+        StopDiscovery(*m_bus, m_adapterPath, [](const Reply&) {});
+    }
 }
 
 void DeviceSearch::Start()
@@ -38,51 +49,48 @@ void DeviceSearch::Start()
     g_variant_builder_add(&filter, "{sv}", "Transport", g_variant_new_string("le"));
     m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "SetDiscoveryFilter"), g_variant_new("(a{sv})", &filter),
                 TimeLimits().connect, [](const Reply&) {});
-    m_discovering = true;
     m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "StartDiscovery"), nullptr, TimeLimits().connect,
-                [self = std::weak_ptr(m_self)](const Reply& reply) {
+                [self = std::weak_ptr(m_self), bus = m_bus, path = m_adapterPath](const Reply& reply) {
                     if (const auto alive = self.lock()) {
                         (*alive)->OnStarted(reply);
+                    } else if (reply.Ok()) {
+                        // BlueZ refuses to stop what is still starting.
+                        StopDiscovery(*bus, path, [](const Reply&) {});
                     }
                 });
 }
 
 void DeviceSearch::OnStarted(const Reply& reply)
 {
-    if (reply.Ok() || m_done == nullptr) {
-        return;
-    }
-    m_discovering = false;
-    const int code = CodeOf(*reply.error);
-    if (code != kBusy) {  // Else this process scans already.
-        std::exchange(m_done, nullptr)(code);
+    m_discovery = reply.Ok() ? Discovery::ours : Discovery::ofOthers;
+    const int code = reply.Ok() ? 0 : CodeOf(*reply.error);
+    if (m_found) {
+        Finish();
+    } else if (code != 0 && code != kBusy) {  // Busy: this process scans already.
+        m_done(code);
     }
 }
 
 void DeviceSearch::OnFound()
 {
-    if (m_done == nullptr) {
-        return;
+    if (!std::exchange(m_found, true) && m_discovery != Discovery::asked) {
+        Finish();
     }
-    const Done done = std::exchange(m_done, nullptr);
-    if (!m_discovering) {
-        done(0);
+}
+
+void DeviceSearch::Finish()
+{
+    if (m_discovery != Discovery::ours) {
+        m_done(0);
         return;
     }
     // A connect beside a discovery takes long or fails.
-    Stop([self = std::weak_ptr(m_self), done](const Reply&) {
-        if (self.lock() != nullptr) {
-            done(0);
+    m_discovery = Discovery::stopped;
+    StopDiscovery(*m_bus, m_adapterPath, [self = std::weak_ptr(m_self)](const Reply&) {
+        if (const auto alive = self.lock()) {
+            (*alive)->m_done(0);
         }
     });
-}
-
-void DeviceSearch::Stop(ReplyHandler done)
-{
-    if (std::exchange(m_discovering, false)) {
-        m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "StopDiscovery"), nullptr, TimeLimits().connect,
-                    std::move(done));
-    }
 }
 
 }  // namespace lyn::linux_platform

@@ -23,15 +23,18 @@ public:
     DeviceSearch& operator=(const DeviceSearch&) = delete;
 
 private:
+    enum class Discovery { asked, ours, ofOthers, stopped };
+
     void Start();
     void OnStarted(const Reply& reply);
     void OnFound();
-    void Stop(ReplyHandler done);
+    void Finish();
 
     std::shared_ptr<Bus> m_bus;
     std::string m_adapterPath;
     Done m_done;
-    bool m_discovering = false;  ///< a discovery of our own
+    Discovery m_discovery = Discovery::asked;
+    bool m_found = false;
     Subscription m_added;
     /// Lets answers find out that the search is over.
     std::shared_ptr<DeviceSearch*> m_self = std::make_shared<DeviceSearch*>(this);
