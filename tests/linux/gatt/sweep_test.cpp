@@ -1,42 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A whole request, in which each answer in turn goes wrong in each way.
-#include <algorithm>
 #include <cstdio>
 
 #include "GattRoom.h"
+#include "Mishaps.h"
 #include "Request.h"
 
 namespace lyn::linux_tests {
 namespace {
 
 using linux_platform::TimeLimits;
-
-struct Mishap {
-    const char* name;
-    Treatment treatment;
-};
-
-const std::vector<Mishap>& Mishaps()
-{
-    static const std::vector<Mishap> mishaps = {
-        {"fails", Treatment::Fails("org.bluez.Error.Failed")},
-        {"is refused as busy", Treatment::Fails("org.bluez.Error.InProgress")},
-        {"is unknown", Treatment::Fails("org.freedesktop.DBus.Error.UnknownObject")},
-        {"is late", Treatment::Late(60)},
-        {"comes twice", Treatment::Twice()},
-        {"is done and never answered", Treatment::DoneWithoutAnswer()},
-        {"is never done", Treatment::Ignored()},
-        {"kills bluetoothd", Treatment::Dies()},
-    };
-    return mishaps;
-}
-
-/// One call of a request: the nth of its method.
-struct Step {
-    std::string method;
-    int nth = 0;
-};
 
 class LinuxSweep : public GattRoom {
 protected:
