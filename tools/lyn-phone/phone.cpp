@@ -78,6 +78,10 @@ void PhoneOnAir::TurnOn(int tries)
 
 void PhoneOnAir::Serve()
 {
+    if (m_phone.services.empty()) {
+        Advertise();  // bluetoothd takes no application without a service
+        return;
+    }
     m_application.Register(m_path, [this, begun = m_begun](const Reply& reply) {
         if (begun != m_begun) {
             return;

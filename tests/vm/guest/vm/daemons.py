@@ -83,9 +83,9 @@ def controllers_up():
 
 
 def configure_bluetoothd():
-    """An MTU as on a TV."""
+    """An MTU as on a TV, and one channel, as between a TV and a phone that are not paired."""
     with open("/etc/bluetooth/main.conf", "a", encoding="utf-8") as file:
-        file.write("\n[GATT]\nExchangeMTU = 256\n")
+        file.write("\n[GATT]\nExchangeMTU = 256\nChannels = 1\n")
 
 
 def bluetoothd_up(*options):

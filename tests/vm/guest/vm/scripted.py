@@ -29,6 +29,10 @@ ANSWERS = {
     0x201C: bytes([0]) + b"\xff" * 8,                                # LE states
     0x202A: bytes([0, 8]),                                           # resolving list
 }
+EXTENDED_ANSWERS = {
+    0x203A: bytes([0, 0xFB, 0]),  # length of advertising data
+    0x203B: bytes([0, 1]),        # advertising sets
+}
 EXTENDED_ADVERTISING_FEATURE = 1 << 12
 # The commands that the kernel uses instead when the controller knows extended advertisements.
 EXTENDED_COMMANDS = {37: 0x60}
@@ -73,6 +77,7 @@ class Controller:
         self._answers[0x2003] = bytes([0]) + struct.pack("<Q", features)
         commands = bytearray(64)
         if knows_extended:
+            self._answers.update(EXTENDED_ANSWERS)
             for octet, bits in EXTENDED_COMMANDS.items():
                 commands[octet] = bits
         self._answers[0x1002] = bytes([0]) + bytes(commands)
@@ -98,6 +103,13 @@ class Controller:
         with Management() as management:
             new = set(management.indexes()) - set(before)
         return new.pop() if new else None
+
+    def power_on(self):
+        """Waits until bluetoothd has found the controller and given it power."""
+        def powered():
+            with Management() as management:
+                return management.powered(self.index)
+        wait_for(powered, 20, "power for the scripted controller")
 
     def play(self, events, per_second, seconds):
         """Sends the events in turn, once somebody scans. Gives the number sent back."""
