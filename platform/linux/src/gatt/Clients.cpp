@@ -155,7 +155,7 @@ std::string Clients::UuidOf(bt_gatt_h handle) const
     return attribute != nullptr ? attribute->uuid : "";
 }
 
-int Clients::RequestMtu(bt_gatt_client_h handle, unsigned mtu)
+int Clients::RequestMtu(bt_gatt_client_h handle, unsigned mtu) const
 {
     const auto client = Find(handle);
     if (client == nullptr || mtu < kLeastMtu || mtu > kMostMtu) {

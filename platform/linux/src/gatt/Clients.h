@@ -55,7 +55,7 @@ public:
     std::string UuidOf(bt_gatt_h handle) const;
 
     /// Asks BlueZ which MTU is in force, and reports it.
-    int RequestMtu(bt_gatt_client_h handle, unsigned mtu);
+    int RequestMtu(bt_gatt_client_h handle, unsigned mtu) const;
 
 private:
     void* NewHandle();
