@@ -29,7 +29,7 @@ std::string NameOf(const Phone& phone)
     if (!phone.scanResponse) {
         return {};
     }
-    const auto found = lyn::simulator::FindManufacturerData(*phone.scanResponse);
+    const auto found = lyn::platform::FindManufacturerData(*phone.scanResponse);
     if (!found || found->data.size() < kNameOffset) {
         return {};
     }

@@ -22,7 +22,7 @@ struct FakePhone {
     std::string characteristic = "9be85432-b1db-416c-9e1c-d6d381305337";
     /// Notified after the writes, one for each; the last one again for those that follow.
     std::vector<std::string> answers = {"Success"};
-    std::string greeting;  ///< notified before StartNotify is answered, unless empty
+    std::string greeting = {};  ///< notified before StartNotify is answered, unless empty
 };
 
 class FakeBluez : public FakeDaemon {
