@@ -18,5 +18,6 @@ with scripted(feature("mirroring", "Success")) as phone:
             "LD_LIBRARY_PATH": os.path.join(BUILD, "lib", "lyn", "linux"), "LYN_BT_ADAPTER": "hci0",
             "LYN_LOG_LEVEL": "none"}) as program:
         equal(program.wait(60), 0, "status of the program")
-        equal(program.output(), "found Kitchen at %s\nthe phone says: Success\n" % address, "what the program prints")
+        wanted = "found Kitchen at %s\nthe phone says: Success\n" % address
+        equal(program.output(), wanted, "what the program prints")
     phone.wait("written", 5)

@@ -28,7 +28,8 @@ for application, service, view, number in (("org.example.film", "screen", "full"
         scan("nodlink", 2)
         status, result = request("nodlink", address, "--nodlink-version", "3.0")
         equal(status, 0, "status for %s" % application)
-        equal(json.loads(phone.wait("written", peer=tv)["text"])["type"], "nodLink3.0", "type of the first message")
+        first = json.loads(phone.wait("written", peer=tv)["text"])
+        equal(first["type"], "nodLink3.0", "type of the first message")
         equal(phone.wait("written", peer=tv)["text"], json.dumps(
             {"BtMac": tv, "service": service, "type": "reqService", "view": view}, sort_keys=True,
             separators=(",", ":")), "the second message for %s" % application)

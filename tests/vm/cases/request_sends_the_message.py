@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Shows: the phone receives the bytes of the control message, with the access point's channel and the real addresses
+# Shows: the phone receives each byte of the message, with the access point's channel and the real addresses
 # Guest: bluetooth wifi
 import json
 import os
@@ -38,7 +38,8 @@ equal(received("mirroring", "--extra", '{"key":"valu\\u00e9","displayName":"Mine
       line(type="mirroring", key="valu\u00e9", displayName="Mine"), "the mirroring message with extra data")
 equal(received("kov"), line(type="kov"), "the kov message")
 equal(received("nodlink"), line(type="nodLink", BtMac=tv), "the nodlink message")
-equal(received("nodlink", "--nodlink-version", "3.0"), line(type="nodLink3.0", BtMac=tv), "the nodlink 3.0 message")
+equal(received("nodlink", "--nodlink-version", "3.0"), line(type="nodLink3.0", BtMac=tv),
+      "the message of nodlink 3.0")
 
 settings(channel=0)
 equal(received("kov"), line(type="kov", P2PChannel="1"), "the message on the social channel")

@@ -10,8 +10,10 @@ A, B, C = "C0:00:00:00:0A:0A", "C0:00:00:00:0B:0B", "C0:00:00:00:0C:0C"
 RESPONSE, EXTENDED_RESPONSE = 4, 0x1B
 WANTED = {A: ("Anna", "a" * 22), B: ("Bert", "b" * 22)}
 
-MIXED = [legacy(A, packets.phone(unique_id=b"a" * 22), rssi=-40), legacy(B, packets.phone(unique_id=b"b" * 22), rssi=-60),
-         legacy(A, packets.name(b"Anna"), RESPONSE, rssi=-40), legacy(B, packets.name(b"Bert"), RESPONSE, rssi=-60)]
+PHONE_A, PHONE_B = packets.phone(unique_id=b"a" * 22), packets.phone(unique_id=b"b" * 22)
+MIXED = [legacy(A, PHONE_A, rssi=-40), legacy(B, PHONE_B, rssi=-60),
+         legacy(A, packets.name(b"Anna"), RESPONSE, rssi=-40),
+         legacy(B, packets.name(b"Bert"), RESPONSE, rssi=-60)]
 REPEATED = [event for event in MIXED for _ in range(3)]
 BROKEN = [
     legacy(C, packets.phone()[:9]),                                # ends in the middle of a structure
@@ -21,7 +23,7 @@ BROKEN = [
     raw(b"\x02"), raw(b"\x02\x01"), raw(b"\x02\x01\x00\x00"), raw(b"\x02\xff" + b"\xff" * 40),
     raw(b"\x0d\x01"), raw(b"\x0d\x01\x13\x00"), raw(b"\x7f" + b"\x00" * 20),
 ]
-EXTENDED = [extended(A, packets.phone(unique_id=b"a" * 22), rssi=-40), extended(B, packets.phone(unique_id=b"b" * 22), rssi=-60),
+EXTENDED = [extended(A, PHONE_A, rssi=-40), extended(B, PHONE_B, rssi=-60),
             extended(A, packets.name(b"Anna"), EXTENDED_RESPONSE, rssi=-40),
             extended(B, packets.name(b"Bert"), EXTENDED_RESPONSE, rssi=-60)]
 
@@ -31,7 +33,8 @@ def hear(what, events, controller):
         controller.play(events, 40, 4)
         check(program.runs(), "lynctl did not survive: " + what)
         equal(program.stop(), 0, "status of lynctl")
-        found = {phone["Address"]: (phone["Name"], phone["UniqueID"]) for phone in program.all("summary")[0]["phones"]}
+        phones = program.all("summary")[0]["phones"]
+        found = {phone["Address"]: (phone["Name"], phone["UniqueID"]) for phone in phones}
         signals = {(event["phone"]["Address"], event["phone"]["RSSI"]) for event in program.all("found")}
         equal(found, WANTED, "phones, " + what)
         equal(signals, {(A, -40), (B, -60)}, "signals, " + what)

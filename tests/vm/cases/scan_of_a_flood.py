@@ -15,8 +15,8 @@ RESPONSE = 4
 TICKS = os.sysconf("SC_CLK_TCK")
 MOST_GROWTH = 4096  # KiB
 
-foreign = [legacy("D0:00:00:00:%02X:%02X" % divmod(number, 100), packets.FLAGS + packets.manufacturer(76, bytes(20)))
-           for number in range(196)]
+FOREIGN = packets.FLAGS + packets.manufacturer(76, bytes(20))
+foreign = [legacy("D0:00:00:00:%02X:%02X" % divmod(number, 100), FOREIGN) for number in range(196)]
 ours = [event for number in (1, 2) for event in (
     legacy("C0:00:00:00:00:%02X" % number, packets.phone()),
     legacy("C0:00:00:00:00:%02X" % number, packets.name(b"Phone %d" % number), RESPONSE))]
@@ -35,16 +35,19 @@ def memory(pid):
         return next(int(line.split()[1]) for line in file if line.startswith("VmRSS"))
 
 
-bluetoothd = next(pid for pid, command in clean.processes().items() if command.startswith(daemons.BLUETOOTHD))
+running = clean.processes()
+bluetoothd = next(pid for pid, command in running.items() if command.startswith(daemons.BLUETOOTHD))
 with Controller() as controller:
     controller.power_on()
     with lynctl("scan", "mirroring", "--seconds", "0", adapter=controller.adapter, name="scan") as program:
         controller.play(foreign + ours, PER_SECOND, 3)
-        begin, worked, others, before = time.monotonic(), processor(program.pid), processor(bluetoothd), memory(program.pid)
+        begin, before = time.monotonic(), memory(program.pid)
+        worked, others = processor(program.pid), processor(bluetoothd)
         sent = controller.play(foreign + ours, PER_SECOND, SECONDS)
         elapsed = time.monotonic() - begin
         check(program.runs(), "lynctl did not survive")
-        worked, others, after = processor(program.pid) - worked, processor(bluetoothd) - others, memory(program.pid)
+        worked, others = processor(program.pid) - worked, processor(bluetoothd) - others
+        after = memory(program.pid)
         note("%d adverts in %.1f s; lynctl worked %.2f s and has %d KiB (%+d); bluetoothd worked %.2f s" % (
             sent, elapsed, worked, after, after - before, others))
         program.stop()

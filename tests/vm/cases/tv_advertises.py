@@ -29,7 +29,8 @@ def setting(feature, value):
 def heard(seconds=1.5):
     with Air(1) as air:
         air.begin_scan()
-        packets = {report.data for report in air.hear(seconds) if report.address == address and not report.is_response}
+        packets = {report.data for report in air.hear(seconds)
+                   if report.address == address and not report.is_response}
         air.end_scan()
     return packets
 

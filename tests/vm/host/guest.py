@@ -54,12 +54,13 @@ class Guest:
         options = "console=ttyS0 quiet panic=-1 oops=panic mitigations=off no_timer_check"
         if "systemd" in self._plan["needs"]:
             options += " lyn.systemd"
-        return [machine.QEMU, "-M", "q35,usb=off", *(machine.KVM if self._kvm else machine.EMULATION), "-smp", "1", "-m", str(self._memory),
+        return [machine.QEMU, "-M", "q35,usb=off", *(machine.KVM if self._kvm else machine.EMULATION),
+                "-smp", "1", "-m", str(self._memory),
                 "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
                 "-kernel", "/boot/vmlinuz-" + machine.kernel(), "-initrd", image, "-append", options,
                 "-serial", "file:" + os.path.join(self._folder, "console.log"), "-serial", "stdio",
                 "-virtfs", "local,path=/,mount_tag=host,security_model=passthrough,readonly=on,multidevs=remap",
-                "-virtfs", "local,path=%s,mount_tag=results,security_model=none,multidevs=remap" % self._folder,
+                "-virtfs", "local,path=%s,mount_tag=results,security_model=none" % self._folder,
                 "-device", "virtio-rng-pci"]
 
     def event(self, limit, tick):

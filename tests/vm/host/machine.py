@@ -9,7 +9,7 @@ QEMU = "qemu-system-x86_64"
 KVM = ("-accel", "kvm", "-cpu", "host")
 # Five levels of page tables cost time, and serve nobody here.
 EMULATION = ("-accel", "tcg", "-cpu", "max,-la57")
-NEEDED = ("qemu-system-x86_64", "modprobe", "bluetoothctl", "btvirt", "hostapd", "wpa_supplicant", "iw", "dbus-daemon")
+NEEDED = (QEMU, "modprobe", "btvirt", "hostapd", "wpa_supplicant", "iw", "dbus-daemon", "busctl")
 
 
 class Unusable(Exception):

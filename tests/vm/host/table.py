@@ -24,7 +24,8 @@ class Table:
 
     def result(self, name, passed, seconds, text):
         self._clear()
-        print("%-6s %6.1f s  %-*s  %s" % ("ok" if passed else "FAILED", seconds, self._width, name, text), flush=True)
+        verdict = "ok" if passed else "FAILED"
+        print("%-6s %6.1f s  %-*s  %s" % (verdict, seconds, self._width, name, text), flush=True)
 
     def detail(self, text):
         for line in text.splitlines():
@@ -34,7 +35,7 @@ class Table:
         self._clear()
         used = resource.getrusage(resource.RUSAGE_CHILDREN)
         print("%d of %d cases passed, %d guests, %.0f s, of which the processor worked %.0f s" % (
-            passed, passed + failed, guests, time.monotonic() - self._start, used.ru_utime + used.ru_stime), flush=True)
+            passed, passed + failed, guests, time.monotonic() - self._start, used.ru_utime + used.ru_stime))
 
     def _clear(self):
         if self._terminal:

@@ -35,7 +35,8 @@ def owner(name):
 
 
 def get(path, interface, name, service=BLUEZ):
-    return call(service, path, "org.freedesktop.DBus.Properties", "Get", GLib.Variant("(ss)", (interface, name)))[0]
+    return call(service, path, "org.freedesktop.DBus.Properties", "Get",
+                GLib.Variant("(ss)", (interface, name)))[0]
 
 
 def put(path, interface, name, value, service=BLUEZ):

@@ -92,7 +92,7 @@ def bluetoothd_up(*options):
     daemon = Program(_log("bluetoothd"), BLUETOOTHD, "-n", "-d", *options)
     wait_for(lambda: on_the_bus("org.bluez"), 15, "bluetoothd")
     with Management() as management:
-        wait_for(lambda: all(management.powered(index) for index in management.indexes()), 15, "adapters with power")
+        wait_for(lambda: all(map(management.powered, management.indexes())), 15, "adapters with power")
     say("bluetoothd is up")
     return daemon
 

@@ -5,6 +5,7 @@ import os
 import select
 import socket
 import struct
+import threading
 import time
 
 from .checks import Failed
@@ -145,3 +146,27 @@ class Air:
                 if packet[0] == EVENT_PACKET and packet[1] == LE_META_EVENT and packet[3] == ADVERTISING_REPORT:
                     reports += _legacy(packet[3:])
         return reports
+
+
+class Repeater:
+    """Lets a virtual controller advertise again and again, as a real one does: btvirt tells the others of an
+    advertisement only when it is switched on, or when their scan is. Rests while the controller is connected."""
+    PERIOD = 0.5
+
+    def __init__(self, index):
+        self._index = index
+        self._ends = threading.Event()
+        self._thread = threading.Thread(target=self._repeat, daemon=True)
+        self._thread.start()
+
+    def stop(self):
+        self._ends.set()
+        self._thread.join()
+
+    def _repeat(self):
+        raw = _open(CHANNEL_RAW, self._index)
+        with raw, Management() as management:
+            while not self._ends.wait(self.PERIOD):
+                if management.advertisements(self._index) and not management.connections(self._index):
+                    for enable in (0, 1):
+                        raw.send(struct.pack("<BHBB", COMMAND_PACKET, 0x200A, 1, enable))

@@ -3,6 +3,7 @@
 import json
 import os
 
+from .hci import Repeater
 from .programs import Teller
 
 BUILD = os.environ["LYN_VM_BUILD"]
@@ -15,15 +16,29 @@ SERVICES = {
 }
 
 
+class LynPhone(Teller):
+    """lyn-phone, on the air again and again."""
+
+    def __init__(self, name, *words):
+        super().__init__(name, os.path.join(BUILD, "bin", "lyn-phone"), "--adapter", ADAPTER, "--json", *words)
+        self._repeater = None
+        try:
+            self.wait("advertising", 30)
+        except BaseException:
+            self.stop()
+            raise
+        self._repeater = Repeater(int(ADAPTER.removeprefix("hci")))
+
+    def stop(self, *how, **limit):
+        if self._repeater is not None:
+            self._repeater.stop()
+            self._repeater = None
+        return super().stop(*how, **limit)
+
+
 def lyn_phone(*words, name="phone"):
     """A phone that is on the air. To be used with `with`."""
-    teller = Teller(name, os.path.join(BUILD, "bin", "lyn-phone"), "--adapter", ADAPTER, "--json", *words)
-    try:
-        teller.wait("advertising", 30)
-    except BaseException:
-        teller.stop()
-        raise
-    return teller
+    return LynPhone(name, *words)
 
 
 def scripted(phone, name="phone"):
@@ -36,6 +51,7 @@ def scripted(phone, name="phone"):
 
 def feature(which, *answers):
     """A phone of a feature that gives these answers, as a dictionary of a scenario."""
-    packets = {"feature": which, "kind": "mobile", "mirroringAvailable": True, "version": "3.0"} if which == "nodlink" \
-        else {"feature": which, "uniqueId": "0123456789abcdefghijkl", "name": "Kitchen"}
-    return {"advertising": packets, "services": [{"feature": which, "answers": list(answers)}]}
+    packets = {"uniqueId": "0123456789abcdefghijkl", "name": "Kitchen"}
+    if which == "nodlink":
+        packets = {"kind": "mobile", "mirroringAvailable": True, "version": "3.0"}
+    return {"advertising": {"feature": which, **packets}, "services": [{"feature": which, "answers": list(answers)}]}

@@ -70,8 +70,8 @@ class Teller:
         self._seen = 0
         self._unread = b""
         with open(name + ".err", "ab") as errors:
-            self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors,
-                                             env={**os.environ, **(environment or {})})
+            self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                             stderr=errors, env={**os.environ, **(environment or {})})
 
     def __enter__(self):
         return self

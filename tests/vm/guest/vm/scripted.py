@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A controller made of a script, on /dev/vhci: it is asked to scan as any other, and hears what the script says, in
-that order, as often and as broken as it likes. It makes no connections."""
+"""A controller made of a script, on /dev/vhci: it is asked to scan as any other, and hears what the script says,
+in that order, as often and as broken as it likes. It makes no connections."""
 import os
 import select
 import struct
@@ -67,7 +67,7 @@ def _signed(number):
 
 
 class Controller:
-    """On the machine while this lives. While somebody scans, play() sends events; each of its calls is a script."""
+    """On the machine while this lives. While somebody scans, play() sends events: each call is a script."""
 
     def __init__(self, knows_extended=False):
         with Management() as management:
