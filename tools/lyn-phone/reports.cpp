@@ -86,7 +86,7 @@ void Reports::Tell(const char* event, const std::string& peer) const
     Print(object, std::string(event) + (peer.empty() ? "" : " " + peer));
 }
 
-void Reports::Print(Json::Value event, const std::string& line) const
+void Reports::Print(const Json::Value& event, const std::string& line) const
 {
     if (m_json) {
         lynctl::PrintJson(event);

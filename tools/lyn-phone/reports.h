@@ -34,7 +34,7 @@ public:
 
 private:
     void Tell(const char* event, const std::string& peer) const;
-    void Print(Json::Value event, const std::string& line) const;
+    void Print(const Json::Value& event, const std::string& line) const;
 
     bool m_json;
     const lynctl::Loop& m_loop;

@@ -54,4 +54,5 @@ def feature(which, *answers):
     packets = {"uniqueId": "0123456789abcdefghijkl", "name": "Kitchen"}
     if which == "nodlink":
         packets = {"kind": "mobile", "mirroringAvailable": True, "version": "3.0"}
-    return {"advertising": {"feature": which, **packets}, "services": [{"feature": which, "answers": list(answers)}]}
+    return {"advertising": {"feature": which, **packets},
+            "services": [{"feature": which, "answers": list(answers)}]}
