@@ -5,8 +5,8 @@
 import os
 import signal
 
-from vm import bus, clean, daemons
-from vm.checks import check, equal, wait_for
+from vm import clean, daemons
+from vm.checks import Failed, check, equal, wait_for
 from vm.hci import Management
 from vm.phones import feature, scripted
 from vm.tvset import GATT_FAIL, lynctl, request, scan, settings
@@ -30,9 +30,15 @@ def restart(phone):
 
 
 def finds_again():
-    """A program's discovery ends a moment after the program; until then bluetoothd lets the next one wait."""
-    wait_for(lambda: not bus.get("/org/bluez/hci0", "org.bluez.Adapter1", "Discovering"), 15, "rest")
-    return address in scan("mirroring", 3)
+    """The kernel goes on with the discovery of a bluetoothd that was killed, for ten seconds, and refuses another
+    one meanwhile: so a scan may be refused too, and is begun again."""
+    def found():
+        try:
+            return address in scan("mirroring", 3)
+        except Failed as reason:
+            print(reason)
+            return False
+    return wait_for(found, 30, "a scan that finds the phone")
 
 
 with scripted(feature("mirroring", {"kind": "silent"}, {"kind": "silent", "delayMs": 8000}, "Success")) as phone:
