@@ -35,6 +35,12 @@ bool SomeAdapterIsAskedFor()
     return wanted != nullptr && *wanted != '\0';
 }
 
+/// A bluetoothd that is busy has not lost its adapters: what was known stays.
+bool IsLate(const Reply& reply)
+{
+    return !reply.Ok() && CodeOf(*reply.error) == kNoAnswer;
+}
+
 std::vector<AdapterStatus> AdaptersOf(const Reply& objects)
 {
     std::vector<AdapterStatus> adapters;
@@ -78,10 +84,15 @@ int Adapter::Watch()
 AdapterStatus Adapter::Read(AutoStart autoStart)
 {
     const auto bus = Bus::System();
-    AdapterStatus status;
-    if (bus != nullptr) {
-        status = Choose(bus->CallNow(AllObjects(), nullptr, kCallLimitMs, autoStart));
+    if (bus == nullptr) {
+        Keep({});
+        return {};
     }
+    const Reply objects = bus->CallNow(AllObjects(), nullptr, kCallLimitMs, autoStart);
+    if (IsLate(objects)) {
+        return Known();
+    }
+    const AdapterStatus status = Choose(objects);
     Keep(status);
     return status;
 }
@@ -156,6 +167,10 @@ void Adapter::Refresh(Tells tells)
         return;
     }
     m_bus->Call(AllObjects(), nullptr, kCallLimitMs, [this, tells](const Reply& objects) {
+        if (IsLate(objects)) {
+            m_refreshAgain = Timer(kRetryMs, [this, tells] { Refresh(tells); });
+            return;
+        }
         Keep(Choose(objects));
         Tell(tells);
     });

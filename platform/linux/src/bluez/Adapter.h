@@ -30,7 +30,7 @@ public:
     /// Begins to watch; more calls do nothing. @return 0, or kNoBus. Any thread.
     int Watch();
 
-    /// Asks BlueZ, waiting for at most kCallLimitMs. Without an answer there is no adapter. Any thread.
+    /// Asks BlueZ, waiting for at most kCallLimitMs; what was last known when it does not answer. Any thread.
     AdapterStatus Read(AutoStart autoStart = AutoStart::no);
 
     /// What was last known. Any thread.
@@ -66,7 +66,8 @@ private:
     std::shared_ptr<Bus> m_bus;
     AdapterStatus m_told;
     std::vector<Subscription> m_subscriptions;
-    Timer m_retry;
+    Timer m_retry;         ///< of watching
+    Timer m_refreshAgain;  ///< after an answer that did not come
 };
 
 }  // namespace lyn::linux_platform
