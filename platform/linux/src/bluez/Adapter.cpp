@@ -92,7 +92,7 @@ AdapterStatus Adapter::Read(AutoStart autoStart)
     if (IsLate(objects)) {
         return Known();
     }
-    const AdapterStatus status = Choose(objects);
+    AdapterStatus status = Choose(objects);
     Keep(status);
     return status;
 }

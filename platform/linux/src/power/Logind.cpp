@@ -84,7 +84,7 @@ void Logind::OnPrepareForSleep(bool begins)
     AllowSleep();
 }
 
-void Logind::OnPrepareForShutdown(bool begins)
+void Logind::OnPrepareForShutdown(bool begins) const
 {
     if (begins) {
         const device_power_off_info_s info{0};

@@ -33,7 +33,7 @@ private:
     void DelaySleep();
     void AllowSleep();
     void OnPrepareForSleep(bool begins);
-    void OnPrepareForShutdown(bool begins);
+    void OnPrepareForShutdown(bool begins) const;
 
     std::atomic<bool> m_watching = false;
     std::atomic<bool> m_awake = true;

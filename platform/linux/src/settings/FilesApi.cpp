@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string>
 
 #include "Codes.h"
 #include "PlatformApi.h"
@@ -15,14 +14,10 @@ int platform_file_path(const char* path, char* out, size_t size)
         return kInvalidArgument;
     }
     const char* const folder = std::getenv("LYN_FILES_DIR");
-    const std::size_t folderLength = folder != nullptr ? std::strlen(folder) : 0;
-    const std::size_t pathLength = std::strlen(path);
-    if (folderLength + pathLength >= size) {
+    const int length = std::snprintf(nullptr, 0, "%s%s", folder != nullptr ? folder : "", path);
+    if (length < 0 || static_cast<size_t>(length) >= size) {
         return kTooLong;
     }
-    if (folderLength > 0) {
-        std::memcpy(out, folder, folderLength);
-    }
-    std::memcpy(out + folderLength, path, pathLength + 1);
+    std::snprintf(out, size, "%s%s", folder != nullptr ? folder : "", path);
     return 0;
 }

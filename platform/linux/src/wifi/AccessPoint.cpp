@@ -83,7 +83,7 @@ std::optional<AccessPoint> FindConnectedAccessPoint()
     const gsize count = interfaces ? g_variant_n_children(interfaces.get()) : 0;
     for (gsize i = 0; i < count; ++i) {
         const Variant interface(g_variant_get_child_value(interfaces.get(), i));
-        const auto found = AccessPointOf(*bus, g_variant_get_string(interface.get(), nullptr), deadline);
+        auto found = AccessPointOf(*bus, g_variant_get_string(interface.get(), nullptr), deadline);
         if (found) {
             return found;
         }

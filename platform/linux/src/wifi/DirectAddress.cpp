@@ -125,7 +125,7 @@ std::string ReadDirectAddress()
     for (const fs::path& socket : ControlSockets(folder)) {
         const auto leftMs = static_cast<int>(std::max<gint64>((end - g_get_monotonic_time()) / 1000, 1));
         const std::string status = AskForStatus(socket.string(), leftMs);
-        const std::string address = DirectAddressIn(status);
+        std::string address = DirectAddressIn(status);
         if (!address.empty()) {
             return address;
         }
