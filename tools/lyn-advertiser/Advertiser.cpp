@@ -25,13 +25,13 @@ std::string TriggerKey(const std::string& feature)
 
 }  // namespace
 
-Advertiser::Advertiser(Config config, const SettingsStore& store, std::function<void(const News&)> tell)
+Advertiser::Advertiser(const Config& config, const SettingsStore& store, std::function<void(const News&)> tell)
     : m_store(store),
       m_tell(std::move(tell))
 {
-    for (auto& [name, payload] : config) {
+    for (const auto& [name, payload] : config) {
         Feature& feature = m_features[name];
-        feature.payload = std::move(payload);
+        feature.payload = payload;
         feature.watch = std::make_unique<SettingWatch>(store.FileOf(TriggerKey(name)), [this] { Update(); });
     }
     Adapter::Instance().AddListener([this](const AdapterStatus&) { Update(); });
