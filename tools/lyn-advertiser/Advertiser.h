@@ -26,7 +26,8 @@ struct News {
 /// in milliseconds. Again after bluetoothd or the adapter was away. On the main context.
 class Advertiser {
 public:
-    Advertiser(const Config& config, const linux_platform::SettingsStore& store, std::function<void(const News&)> tell);
+    Advertiser(const Config& config, const linux_platform::SettingsStore& store,
+               std::function<void(const News&)> tell);
 
     /// Looks at the settings and at the adapter and does what is to do.
     void Update();
