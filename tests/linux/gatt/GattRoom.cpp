@@ -19,8 +19,13 @@ std::ostream& operator<<(std::ostream& out, const Report& report)
 GattRoom::GattRoom()
 {
     PrivateBus::Instance();
-    TimeLimits() = {
-        .connect = 300, .takeDown = 200, .secondLook = 20, .startNotify = 200, .write = 200, .readMtu = 200};
+    TimeLimits() = {.connect = 300,
+                    .strangersLink = 60,
+                    .takeDown = 200,
+                    .secondLook = 20,
+                    .startNotify = 200,
+                    .write = 200,
+                    .readMtu = 200};
     bluez = std::make_unique<FakeBluez>();
     bluez->AddPhone(phone);
     EXPECT_EQ(bt_product_init(), 0);
@@ -36,6 +41,7 @@ GattRoom::~GattRoom()
         bt_gatt_client_destroy(client);
     }
     bt_gatt_unset_connection_state_changed_cb();
+    bt_product_deinit();
     bluez.reset();  // And with it all links.
     WaitForAdapter(false);
     EXPECT_TRUE(RunUntil([] { return g_main_context_pending(nullptr) == FALSE; }));

@@ -12,6 +12,14 @@ using namespace lyn::linux_platform;
 class LinuxLinkEnd : public GattRoom {
 protected:
     void Disconnect() { ASSERT_EQ(bt_gatt_disconnect(kPhone), 0); }
+    /// Waits without running the main context.
+    static bool WaitIdly(const std::function<bool()>& done)
+    {
+        for (int tries = 0; tries < 4000 && !done(); ++tries) {
+            g_usleep(5000);
+        }
+        return done();
+    }
     void OneEndIsReported(int code)
     {
         ASSERT_TRUE(WaitForReports(2));
@@ -135,6 +143,59 @@ TEST_F(LinuxLinkEnd, OfARunningConnectBelongsToTheRegistrationThatJoinsIt)
     ASSERT_TRUE(WaitForReports(1));
     RunQuietly(80);
     EXPECT_EQ(reports, (std::vector<Report>{{0, true, "a0:00:00:00:00:01"}}));
+}
+
+TEST_F(LinuxLinkEnd, IsAskedForByTheLastUserWhoNeedNotRunTheMainContextAfterwards)
+{
+    Connect();
+    ASSERT_EQ(bt_product_init(), 0);
+    EXPECT_EQ(bt_product_deinit(), 0);
+    RunQuietly(30);
+    EXPECT_TRUE(bluez->IsConnected(kPhone)) << "there is another user";
+    EXPECT_EQ(bt_product_deinit(), 0);
+    EXPECT_TRUE(WaitIdly([&] { return !bluez->IsConnected(kPhone); }));
+    OneEndIsReported(0);
+}
+
+TEST_F(LinuxLinkEnd, OfAConnectIsAskedForByTheLastUserToo)
+{
+    bluez->ChangePhone({.inReach = false});
+    Register();
+    ASSERT_EQ(bt_gatt_connect(kPhone, false), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->Count("Device1.Connect") == 1; }));
+    EXPECT_EQ(bt_product_deinit(), 0);
+    EXPECT_TRUE(WaitIdly([&] { return bluez->Count("Device1.Disconnect") == 1; }));
+    ASSERT_TRUE(WaitForReports(1));
+    RunQuietly(50);
+    EXPECT_EQ(reports, (std::vector<Report>{{kCanceled, true, kPhone}}));
+}
+
+TEST_F(LinuxLinkEnd, OfAnotherProgramsLinkIsNotAskedForByTheLastUser)
+{
+    bluez->ConnectByAnother(kPhone);
+    Register();
+    ASSERT_EQ(bt_gatt_connect(kPhone, false), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->Count("Properties.GetAll") == 1; }));
+    EXPECT_EQ(bt_product_deinit(), 0);
+    ASSERT_TRUE(WaitForReports(1));
+    RunQuietly(100);
+    EXPECT_EQ(reports, (std::vector<Report>{{kCanceled, true, kPhone}}));
+    EXPECT_TRUE(bluez->IsConnected(kPhone));
+}
+
+TEST_F(LinuxLinkEnd, ByTheLastUserIsWaitedForByTheNextOne)
+{
+    Connect();
+    bluez->Treat("Device1.Disconnect", 0, Treatment::Late(50));
+    EXPECT_EQ(bt_product_deinit(), 0);
+    ASSERT_EQ(bt_product_init(), 0);
+    Register();
+    reports.clear();
+    ASSERT_EQ(bt_gatt_connect(kPhone, false), 0);
+    ASSERT_TRUE(WaitForReports(1));
+    RunQuietly(150);
+    EXPECT_EQ(reports, (std::vector<Report>{{0, true, kPhone}}));
+    EXPECT_TRUE(bluez->IsConnected(kPhone));
 }
 
 TEST_F(LinuxLinkEnd, OfATakenOverLinkThatIsLostAtOnceEndsTheConnect)

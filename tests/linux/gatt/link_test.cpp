@@ -104,8 +104,10 @@ TEST_F(LinuxLink, AFailedConnectHasTheErrorsCodeAndMayBeTriedAgainAtOnce)
     ASSERT_TRUE(WaitForReports(2));
     RunQuietly(50);
     EXPECT_EQ(reports, (std::vector<Report>{{kFailed, true, kPhone}, {0, true, kPhone}}));
-    EXPECT_EQ(bluez->Calls(), (std::vector<std::string>{"Device1.Connect", "Device1.Disconnect", "Device1.Connect",
-                                                        "Properties.GetAll", "ObjectManager.GetManagedObjects"}));
+    EXPECT_EQ(bluez->Calls(),
+              (std::vector<std::string>{"Properties.GetAll", "Device1.Connect", "Device1.Disconnect",
+                                        "Properties.GetAll", "Device1.Connect", "Properties.GetAll",
+                                        "ObjectManager.GetManagedObjects"}));
 }
 
 TEST_F(LinuxLink, ARetryWaitsUntilWhatTheFailedConnectLeftIsDown)
@@ -126,6 +128,21 @@ TEST_F(LinuxLink, ThatAnotherProgramHoldsServesAsWell)
     bluez->ConnectByAnother(kPhone);
     Connect();
     MakeClient();
+}
+
+TEST_F(LinuxLink, ThatAnotherProgramGivesUpIsNotJoined)
+{
+    TimeLimits().strangersLink = 10'000;
+    TimeLimits().connect = 10'000;
+    bluez->ConnectByAnother(kPhone);
+    EXPECT_EQ(Begin(), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->Count("Properties.GetAll") == 1; }));
+    RunQuietly(20);
+    EXPECT_EQ(bluez->Count("Device1.Connect"), 0) << "while it may be on its way down";
+    bluez->DropLink(kPhone);
+    ASSERT_TRUE(WaitForReports(1));
+    EXPECT_EQ(reports[0], (Report{0, true, kPhone}));
+    EXPECT_TRUE(bluez->IsConnected(kPhone));
 }
 
 TEST_F(LinuxLink, ThatAnotherProgramIsMakingServesAsWell)

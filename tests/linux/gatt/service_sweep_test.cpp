@@ -19,8 +19,13 @@ class LinuxService : public GattRoom {
 protected:
     void SetUp() override
     {
-        TimeLimits() = {
-            .connect = 250, .takeDown = 150, .secondLook = 10, .startNotify = 150, .write = 150, .readMtu = 150};
+        TimeLimits() = {.connect = 250,
+                        .strangersLink = 50,
+                        .takeDown = 150,
+                        .secondLook = 10,
+                        .startNotify = 150,
+                        .write = 150,
+                        .readMtu = 150};
     }
 
     /// Requests, and lets the time for an answer pass when the phone says nothing for long.

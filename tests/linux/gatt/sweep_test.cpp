@@ -16,8 +16,13 @@ class LinuxSweep : public GattRoom {
 protected:
     void SetUp() override
     {
-        TimeLimits() = {
-            .connect = 250, .takeDown = 150, .secondLook = 10, .startNotify = 150, .write = 150, .readMtu = 150};
+        TimeLimits() = {.connect = 250,
+                        .strangersLink = 50,
+                        .takeDown = 150,
+                        .secondLook = 10,
+                        .startNotify = 150,
+                        .write = 150,
+                        .readMtu = 150};
     }
 
     std::vector<Step> StepsOfARequest(bool forgotten)

@@ -8,18 +8,6 @@
 
 using namespace lyn::linux_platform;
 
-// bluetoothd is made ready by the system. Without it this succeeds too: the adapter is off until it comes.
-int bt_product_init(void)
-{
-    AdapterReports::Instance();
-    return Adapter::Instance().Watch();
-}
-
-int bt_product_deinit(void)
-{
-    return 0;
-}
-
 int bt_adapter_get_state(bt_adapter_state_e* state)
 {
     if (state == nullptr) {

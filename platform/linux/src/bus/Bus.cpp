@@ -154,6 +154,16 @@ void Bus::Call(const Method& method, GVariant* arguments, int limitMs, ReplyHand
                            nullptr, &OnReply, new ReplyHandler(std::move(done)));
 }
 
+void Bus::Send(const Method& method) const
+{
+    g_dbus_connection_call(m_connection, method.service.c_str(), method.path.c_str(), method.interface.c_str(),
+                           method.name.c_str(), nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimitMs,
+                           nullptr, nullptr, nullptr);
+    const Cancellable cancellable(g_cancellable_new());
+    const Watchdog watchdog(cancellable.get());
+    g_dbus_connection_flush_sync(m_connection, cancellable.get(), nullptr);
+}
+
 Subscription Bus::OnSignal(const SignalMatch& match, SignalHandler handler) const
 {
     const guint id = g_dbus_connection_signal_subscribe(

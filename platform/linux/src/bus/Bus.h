@@ -106,6 +106,10 @@ public:
     /// Calls; the handler gets the end on the main context. To be called there.
     void Call(const Method& method, GVariant* arguments, int limitMs, ReplyHandler done) const;
 
+    /// Sends a call and waits until it is on its way, not for its answer, which nobody hears: for a process that
+    /// may be about to end. Any thread; takes kCallLimitMs at most.
+    void Send(const Method& method) const;
+
     /// Signals from now on, on the main context. To be called there.
     Subscription OnSignal(const SignalMatch& match, SignalHandler handler) const;
 

@@ -8,6 +8,9 @@ struct Limits {
     /// From the beginning of a connect to "connected", with all that is between: a phone that BlueZ has forgotten
     /// is looked for, and its services are resolved. BlueZ itself gives up after 40 s only.
     int connect = 15'000;
+    /// How long a link that is up before we have connected is watched. bluetoothd takes a link down two seconds
+    /// after it was asked to, and lets everybody join it meanwhile: it would be lost in the middle of a request.
+    int strangersLink = 2'500;
     /// For a link to go down, and for what a failed connect has left behind.
     int takeDown = 5'000;
     /// After which a phone that shows no service at all is looked at once more.

@@ -17,6 +17,16 @@ int LongerThanTheTimer()
     return TimeLimits().connect + TimeLimits().takeDown;
 }
 
+/// Whether the answer of GetAll has this property, and it is true.
+bool IsTrueIn(const Reply& reply, const char* property)
+{
+    if (!reply.Ok() || !g_variant_is_of_type(reply.values.get(), G_VARIANT_TYPE("(a{sv})"))) {
+        return false;
+    }
+    const Variant properties(g_variant_get_child_value(reply.values.get(), 0));
+    return LookupBool(properties.get(), property) == true;
+}
+
 }  // namespace
 
 Link::Link(std::shared_ptr<Bus> bus, std::string adapterPath, const std::string& address, Events events)
@@ -31,6 +41,20 @@ void Link::Begin()
 {
     m_limit = Timer(static_cast<unsigned>(TimeLimits().connect), [this] { Fail(kConnectTimedOut); });
     Watch();
+    AskProperties([self = weak_from_this()](const Reply& reply) {
+        const auto link = self.lock();
+        if (link != nullptr && link->m_state == State::beginning) {
+            link->OnFirstLook(reply);
+        }
+    });
+}
+
+void Link::OnFirstLook(const Reply& reply)
+{
+    if (IsTrueIn(reply, "Connected")) {
+        m_strangersLink = Timer(static_cast<unsigned>(TimeLimits().strangersLink), [this] { Connect(); });
+        return;
+    }
     Connect();
 }
 
@@ -38,6 +62,15 @@ void Link::TakeDown()
 {
     if (m_state == State::up) {
         StartDown();
+        return;
+    }
+    Fail(kCanceled);
+}
+
+void Link::SendDisconnect() const
+{
+    if (m_asked) {
+        m_bus->Send(BluezMethod(m_path, kDevice, "Disconnect"));
     }
 }
 
@@ -54,7 +87,7 @@ void Link::Abort(int code)
 
 bool Link::IsComingUp() const
 {
-    return m_state == State::connecting || m_state == State::resolving || m_state == State::lookingUp;
+    return m_state < State::up;
 }
 
 void Link::Watch()
@@ -75,7 +108,9 @@ void Link::OnDeviceChanged(GVariant* changed)
     const auto connected = LookupBool(changed, "Connected");
     if (connected == false) {
         // While connecting this is the end of the link before: the reply tells how the connect went.
-        if (m_state == State::resolving || m_state == State::lookingUp) {
+        if (m_state == State::beginning) {
+            Connect();
+        } else if (m_state == State::resolving || m_state == State::lookingUp) {
             Fail(kNotConnected);
         } else if (m_state == State::up || m_state == State::goingDown) {
             End();
@@ -110,6 +145,10 @@ void Link::OnInterfacesRemoved(GVariant* values)
 
 void Link::OnForgotten()
 {
+    if (m_state == State::beginning) {
+        Connect();
+        return;
+    }
     if (m_state != State::connecting) {
         Abort(kNotFound);
         return;
@@ -127,6 +166,9 @@ void Link::OnForgotten()
 
 void Link::Connect()
 {
+    m_state = State::connecting;
+    m_strangersLink = {};
+    m_asked = true;
     Call(BluezMethod(m_path, kDevice, "Connect"), nullptr, &Link::OnConnectReply);
 }
 
@@ -169,11 +211,8 @@ void Link::Resolve()
             }
             return;
         }
-        if (g_variant_is_of_type(reply.values.get(), G_VARIANT_TYPE("(a{sv})"))) {
-            const Variant properties(g_variant_get_child_value(reply.values.get(), 0));
-            if (LookupBool(properties.get(), "ServicesResolved") == true) {
-                link->LookUp();
-            }
+        if (IsTrueIn(reply, "ServicesResolved")) {
+            link->LookUp();
         }
     };
     AskProperties(onProperties);
@@ -216,6 +255,10 @@ void Link::Fail(int code)
     if (!IsComingUp()) {
         return;
     }
+    if (m_state == State::beginning) {
+        Abort(code);  // There may be a link, but of another program.
+        return;
+    }
     const auto self = shared_from_this();
     StartDown();
     m_events.failed(code);
@@ -225,6 +268,7 @@ void Link::StartDown()
 {
     m_state = State::goingDown;
     m_search.reset();
+    m_strangersLink = {};
     m_secondLook = {};
     m_limit = Timer(static_cast<unsigned>(TimeLimits().takeDown), [this] { End(); });
     const auto onReply = [self = weak_from_this()](const Reply&) {
@@ -242,6 +286,7 @@ void Link::End()
     }
     m_state = State::gone;
     m_search.reset();
+    m_strangersLink = {};
     m_secondLook = {};
     m_limit = {};
     m_subscriptions.clear();

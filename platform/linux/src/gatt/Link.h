@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,15 +30,18 @@ public:
     Link(std::shared_ptr<Bus> bus, std::string adapterPath, const std::string& address, Events events);
 
     void Begin();
-    /// Takes down a link that is up; does nothing otherwise.
+    /// Takes the link down, or gives its connect up.
     void TakeDown();
+    /// Asks for the end of what it has begun at once, and hears nothing of it: for a process that may be about to
+    /// end. Any thread.
+    void SendDisconnect() const;
     /// The adapter, BlueZ or the phone's object has gone, and the link with it.
     void Abort(int code);
 
     const std::string& AdapterPath() const { return m_adapterPath; }
 
 private:
-    enum class State { connecting, resolving, lookingUp, up, goingDown, gone };
+    enum class State { beginning, connecting, resolving, lookingUp, up, goingDown, gone };
 
     bool IsComingUp() const;
     void Watch();
@@ -45,6 +49,7 @@ private:
     void OnInterfacesRemoved(GVariant* values);
     void OnForgotten();
 
+    void OnFirstLook(const Reply& reply);
     void Connect();
     void OnConnectReply(const Reply& reply);
     void Search();
@@ -63,11 +68,13 @@ private:
     const std::string m_adapterPath;
     const std::string m_path;
     const Events m_events;
-    State m_state = State::connecting;
+    State m_state = State::beginning;
+    std::atomic<bool> m_asked = false;  ///< BlueZ for a link
     bool m_lookedUpOnce = false;
     std::vector<Subscription> m_subscriptions;
     std::unique_ptr<DeviceSearch> m_search;
-    Timer m_limit;       ///< of the connect, then of going down
+    Timer m_limit;  ///< of the connect, then of going down
+    Timer m_strangersLink;
     Timer m_secondLook;  ///< at a phone that showed no services
 };
 

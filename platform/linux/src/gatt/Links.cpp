@@ -50,12 +50,26 @@ int Links::Disconnect(const char* address)
     if (found == m_entries.end() || found->second.phase != Phase::up) {
         return kNotConnected;
     }
-    Entry& entry = found->second;
-    entry.phase = Phase::goingDown;
-    entry.asked = true;
-    entry.phone->up = false;
-    Post([this, canonical = *canonical, id = entry.id] { TakeDown(canonical, id); });
+    AskDown(*canonical, found->second);
     return 0;
+}
+
+void Links::LetGo()
+{
+    std::vector<std::shared_ptr<Link>> links;
+    {
+        const std::lock_guard lock(m_mutex);
+        for (auto& [address, entry] : m_entries) {
+            entry.next.reset();
+            AskDown(address, entry);
+            if (entry.link != nullptr) {
+                links.push_back(entry.link);
+            }
+        }
+    }
+    for (const auto& link : links) {
+        link->SendDisconnect();
+    }
 }
 
 std::shared_ptr<const Phone> Links::Up(const char* address) const
@@ -94,6 +108,16 @@ int Links::Join(const std::string& address, Entry& entry, Demand demand)
         Post([this, address, id = entry.id] { Announce(address, id); });
     }
     return 0;
+}
+
+void Links::AskDown(const std::string& address, Entry& entry)
+{
+    entry.phase = Phase::goingDown;
+    entry.asked = true;
+    if (entry.phone != nullptr) {
+        entry.phone->up = false;
+    }
+    Post([this, address, id = entry.id] { TakeDown(address, id); });
 }
 
 Links::Entry* Links::Find(const std::string& address, std::uint64_t id)
@@ -141,6 +165,9 @@ void Links::OnUp(const std::string& address, std::uint64_t id, const std::shared
     {
         const std::lock_guard lock(m_mutex);
         Entry* const entry = Find(address, id);
+        if (entry->phase == Phase::goingDown) {
+            return;
+        }
         entry->phase = Phase::up;
         entry->phone = std::make_shared<Phone>();
         entry->phone->bus = bus;

@@ -27,6 +27,9 @@ public:
     int Connect(const char* address);
     /// Begins to take a link down that is up. Any thread.
     int Disconnect(const char* address);
+    /// Takes down all links, and gives up what is coming up. BlueZ has been asked for it when this returns, so
+    /// that nothing is left when the process ends now. Any thread.
+    void LetGo();
     /// The phone if its link is up, or null. Any thread.
     std::shared_ptr<const Phone> Up(const char* address) const;
 
@@ -57,6 +60,7 @@ private:
 
     void Open(const std::string& address, Demand owner);
     int Join(const std::string& address, Entry& entry, Demand demand);
+    void AskDown(const std::string& address, Entry& entry);
     Entry* Find(const std::string& address, std::uint64_t id);
 
     // On the main context.
