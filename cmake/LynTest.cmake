@@ -1,15 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# lyn_add_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...] [TIMEOUT <seconds>])
+# lyn_add_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...] [PARTS <number>])
 #
-# Adds the GoogleTest program test_<name>; ctest lists each of its tests as "<name>.<suite>.<test>".
+# Adds the GoogleTest program test_<name>, which ctest runs whole: a process for each test would take longer to
+# start than most tests take. One that is slow as a whole runs in parts, side by side: <name>.1, <name>.2 ...
 # For each label L the target tests_L builds the programs that carry it ("concurrency" goes to the
 # thread sanitizer). Sources find <gtest/gtest.h> and <gmock/gmock.h> precompiled, by lyn_test_main.
 #
 # lyn_add_program_test(NAME <name> COMMAND <command>... [LABELS <label>...] [TIMEOUT <seconds>])
 #
 # Adds any other command, with the same environment.
-include(GoogleTest)
 find_package(GTest REQUIRED)
 
 # The system's own Python has the packages that are installed for the tests; another one may not.
@@ -29,12 +29,9 @@ set(lyn_test_environment
     "G_SLICE=always-malloc")
 
 function(lyn_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;PARTS" "SOURCES;LIBRARIES;LABELS")
     if(arg_UNPARSED_ARGUMENTS OR NOT arg_NAME OR NOT arg_SOURCES)
         message(FATAL_ERROR "lyn_add_test: NAME and SOURCES are needed; not understood: '${arg_UNPARSED_ARGUMENTS}'")
-    endif()
-    if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 120)
     endif()
     set(target "test_${arg_NAME}")
     add_executable(${target} ${arg_SOURCES})
@@ -46,28 +43,24 @@ function(lyn_add_test)
         endif()
         add_dependencies(tests_${label} ${target})
     endforeach()
-    gtest_discover_tests(${target}
-        TEST_PREFIX "${arg_NAME}."
-        TEST_LIST lyn_discovered_tests
-        NO_PRETTY_TYPES
-        NO_PRETTY_VALUES
-        DISCOVERY_TIMEOUT 60)
-    # Set here, and not by gtest_discover_tests(), which takes properties of one value only.
-    set(properties_file "${CMAKE_CURRENT_BINARY_DIR}/${target}_properties.cmake")
-    file(CONFIGURE OUTPUT "${properties_file}" @ONLY CONTENT [[
-if(lyn_discovered_tests)
-    set_tests_properties(${lyn_discovered_tests} PROPERTIES
-        TIMEOUT "@arg_TIMEOUT@" LABELS "@arg_LABELS@" ENVIRONMENT "@lyn_test_environment@")
-    unset(lyn_discovered_tests)
-endif()
-]])
-    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${properties_file}")
+    if(NOT arg_PARTS)
+        lyn_add_program_test(NAME ${arg_NAME} COMMAND ${target} LABELS ${arg_LABELS})
+        return()
+    endif()
+    foreach(part RANGE 1 ${arg_PARTS})
+        math(EXPR index "${part} - 1")
+        lyn_add_program_test(NAME ${arg_NAME}.${part} COMMAND ${target} LABELS ${arg_LABELS})
+        set_property(TEST ${arg_NAME}.${part} APPEND PROPERTY ENVIRONMENT
+            "GTEST_TOTAL_SHARDS=${arg_PARTS}" "GTEST_SHARD_INDEX=${index}")
+        # The slow ones begin, so that no processor waits for the last of them.
+        set_property(TEST ${arg_NAME}.${part} PROPERTY COST 100)
+    endforeach()
 endfunction()
 
 function(lyn_add_program_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TIMEOUT" "COMMAND;LABELS")
     if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 120)
+        set(arg_TIMEOUT 300)
     endif()
     add_test(NAME ${arg_NAME} COMMAND ${arg_COMMAND})
     set_tests_properties(${arg_NAME} PROPERTIES

@@ -45,6 +45,14 @@ build_preset()
     cmake --preset "${2:-$1}" && cmake --build --preset "$1" -j "$jobs"
 }
 
+# Runs the tests of a preset, whose build is in the folder, and counts those within its programs.
+run_tests()
+{
+    ctest --preset "$1" -j "$jobs" || return
+    grep -ho '^\[  PASSED  \] [0-9]* test' "$2/Testing/Temporary/LastTest.log" |
+        awk '{ all += $4 } END { print all " tests in " NR " programs passed" }'
+}
+
 stage_format()
 {
     scripts/format --check
@@ -58,7 +66,7 @@ stage_build()
 stage_asan()
 {
     # Counts of an earlier run would be added to.
-    build_preset asan && rm -rf build/asan/profile && ctest --preset asan -j "$jobs" &&
+    build_preset asan && rm -rf build/asan/profile && run_tests asan build/asan &&
         scripts/coverage-report build/asan "$lowest_line_coverage"
 }
 
@@ -69,7 +77,7 @@ stage_fuzz()
 
 stage_tsan()
 {
-    build_preset tsan && ctest --preset tsan -j "$jobs"
+    build_preset tsan && run_tests tsan build/tsan
 }
 
 stage_tidy()
@@ -94,7 +102,7 @@ stage_release()
     # What the tests have seen of the library becomes a page, and must be all that there is.
     local reference="$PWD/build/release/reference"
     rm -rf "$reference" && mkdir -p "$reference/seen" &&
-        LYN_TEST_SEEN="$reference/seen" ctest --preset release -j "$jobs" &&
+        LYN_TEST_SEEN="$reference/seen" run_tests release build/release &&
         tests/reference/write_page.py . "$reference/seen" "$reference/reference.md"
 }
 
@@ -157,6 +165,6 @@ run_stage()
 result_line()
 {
     local stage="$1" log="$2" seconds="$3" found
-    found="$(grep -E '^(100% tests passed|lines: |branches: |[0-9]+ of [0-9]+ cases passed)' "$log" | tr '\n' ' ' || true)"
+    found="$(grep -E '^(100% tests passed|[0-9]+ tests in |lines: |branches: |[0-9]+ of [0-9]+ cases passed)' "$log" | tr '\n' ' ' || true)"
     printf '%-9s ok, %d s  %s\n' "$stage" "$seconds" "$found"
 }
