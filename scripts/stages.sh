@@ -5,9 +5,7 @@
 
 # The release stage is the last one, so that its summary, of all tests, ends the output, and the path of the
 # page that they make.
-all_stages=(format build asan fuzz tsan tidy release)
-# Asked for by name only.
-more_stages=(vm)
+all_stages=(format build asan fuzz tsan tidy vm release)
 
 declare -A about=(
     [format]="every source is formatted as .clang-format says"
@@ -16,7 +14,7 @@ declare -A about=(
     [fuzz]="the fuzzers' seeds, and a fixed number of further inputs for each"
     [tsan]="the concurrent tests under Clang's thread sanitizer"
     [tidy]="clang-tidy finds nothing in the library, the platforms and the tools"
-    [vm]="system tests in virtual machines, with real kernel, bluetoothd and access point; only when asked for"
+    [vm]="system tests in virtual machines, with real kernel, bluetoothd and access point"
     [release]="all tests of the optimised build; they reach every log line, result, state and return value"
 )
 
@@ -26,13 +24,13 @@ logs=build/test-logs
 
 is_stage()
 {
-    [[ " ${all_stages[*]} ${more_stages[*]} " == *" $1 "* ]]
+    [[ " ${all_stages[*]} " == *" $1 "* ]]
 }
 
 list_stages()
 {
     local stage
-    for stage in "${all_stages[@]}" "${more_stages[@]}"; do
+    for stage in "${all_stages[@]}"; do
         printf '%-9s %s\n' "$stage" "${about[$stage]}"
     done
 }
@@ -93,7 +91,12 @@ stage_vm()
     local status=0
     tests/vm/run || status=$?
     # This machine cannot: that is no reason to believe that all is well.
-    [ "$status" -ne 3 ] || echo "NOT TESTED: the system tests need virtual machines, and none can be started here" >&2
+    [ "$status" -ne 3 ] || cat <<'EOT'
+************************************************************************************************
+NOT TESTED: the system tests need virtual machines, and none can be started on this machine.
+The reason stands above. Everything else can be tested with: ./test --no-vm
+************************************************************************************************
+EOT
     return "$status"
 }
 

@@ -56,8 +56,9 @@ def choose(cases, wanted):
     return [case for case in cases if any(case.name.startswith(word) for word in wanted)]
 
 
-def guests(cases):
-    """The cases as they share guests: a list of lists."""
+def guests(cases, jobs):
+    """The cases as they share guests, a list of lists, for so many guests at once: no list is longer than a fair
+    share, and the longest come first."""
     shared = {}
     alone = []
     for case in cases:
@@ -65,4 +66,9 @@ def guests(cases):
             alone.append([case])
         else:
             shared.setdefault(case.needs, []).append(case)
-    return [*shared.values(), *alone]
+    fair = max(1, -(-len(cases) // jobs))
+    parts = []
+    for group in shared.values():
+        count = -(-len(group) // fair)
+        parts += [group[first::count] for first in range(count)]
+    return sorted([*parts, *alone], key=lambda group: -len(group))

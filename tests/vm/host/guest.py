@@ -63,13 +63,12 @@ class Guest:
                 "-virtfs", "local,path=%s,mount_tag=results,security_model=none" % self._folder,
                 "-device", "virtio-rng-pci"]
 
-    def event(self, limit, tick):
-        """What the guest tells next, a dictionary. `tick` is called about once a second meanwhile."""
+    def event(self, limit):
+        """What the guest tells next, a dictionary."""
         end = time.monotonic() + limit
         while b"\n" not in self._unread:
             if time.monotonic() > end:
                 raise Died("nothing was heard from the guest for %d s" % limit)
-            tick()
             if select.select([self._process.stdout], [], [], 1)[0]:
                 more = os.read(self._process.stdout.fileno(), 65536)
                 if not more:

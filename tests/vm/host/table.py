@@ -2,41 +2,58 @@
 """What a person sees while the cases run, and at the end."""
 import resource
 import sys
+import threading
 import time
 
 
 class Table:
-    def __init__(self, width):
+    """The lines of several guests. What tells of a guest may be called by any thread."""
+
+    def __init__(self, width, cases):
         self._width = width
+        self._cases = cases
         self._start = time.monotonic()
         self._terminal = sys.stdout.isatty()
+        self._lock = threading.Lock()
+        self._going_on = {}
+        self._passed = 0
+        self._failed = 0
 
     def heading(self, text):
-        self._clear()
-        print(text, flush=True)
+        self._print(text)
 
-    def progress(self, text):
+    def goes_on(self, guest, text):
+        """What a guest does now."""
+        with self._lock:
+            self._going_on[guest] = text
+
+    def progress(self):
         """The line of what is going on; only a terminal sees it."""
-        if self._terminal:
-            line = "%4d s  %s" % (time.monotonic() - self._start, text)
+        if not self._terminal:
+            return
+        with self._lock:
+            line = "%4d s  %d of %d  %s" % (time.monotonic() - self._start, self._passed + self._failed, self._cases,
+                                            ", ".join(self._going_on.values()))
             sys.stdout.write("\r\033[K" + line[:110])
             sys.stdout.flush()
 
-    def result(self, name, passed, seconds, text):
-        self._clear()
+    def result(self, guest, case, passed, seconds, text):
         verdict = "ok" if passed else "FAILED"
-        print("%-6s %6.1f s  %-*s  %s" % (verdict, seconds, self._width, name, text), flush=True)
+        lines = ["%-6s %6.1f s  guest %-2d  %-*s  %s" % (
+            verdict, seconds, guest, self._width, case.name, case.shows)]
+        self._print("\n".join(lines + ["        | " + line for line in text.splitlines()]))
+        with self._lock:
+            self._going_on.pop(guest, None)
+            self._passed += passed
+            self._failed += not passed
 
-    def detail(self, text):
-        for line in text.splitlines():
-            print("        | " + line, flush=True)
-
-    def summary(self, passed, failed, guests):
-        self._clear()
+    def summary(self):
+        """The last line, and the exit status."""
         used = resource.getrusage(resource.RUSAGE_CHILDREN)
-        print("%d of %d cases passed, %d guests, %.0f s, of which the processor worked %.0f s" % (
-            passed, passed + failed, guests, time.monotonic() - self._start, used.ru_utime + used.ru_stime))
+        self._print("%d of %d cases passed, %.0f s, of which the processors worked %.0f s" % (
+            self._passed, self._cases, time.monotonic() - self._start, used.ru_utime + used.ru_stime))
+        return 0 if self._passed == self._cases else 1
 
-    def _clear(self):
-        if self._terminal:
-            sys.stdout.write("\r\033[K")
+    def _print(self, text):
+        with self._lock:
+            print(("\r\033[K" if self._terminal else "") + text, flush=True)
