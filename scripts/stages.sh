@@ -81,8 +81,7 @@ stage_tsan()
 stage_tidy()
 {
     # The build makes the generated sources and the list of commands.
-    build_preset asan &&
-        find core platform src tools -name '*.cpp' | sort | xargs -n 1 -P "$jobs" scripts/tidy-one build/asan
+    build_preset asan && JOBS="$jobs" scripts/tidy build/asan
 }
 
 stage_vm()
@@ -168,6 +167,6 @@ run_stage()
 result_line()
 {
     local stage="$1" log="$2" seconds="$3" found
-    found="$(grep -E '^(100% tests passed|[0-9]+ tests in |lines: |branches: |[0-9]+ of [0-9]+ cases passed)' "$log" | tr '\n' ' ' || true)"
+    found="$(grep -E '^(100% tests passed|[0-9]+ tests in |[0-9]+ sources |lines: |branches: |[0-9]+ of [0-9]+ cases passed)' "$log" | tr '\n' ' ' || true)"
     printf '%-9s ok, %d s  %s\n' "$stage" "$seconds" "$found"
 }
