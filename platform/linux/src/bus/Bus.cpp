@@ -4,7 +4,6 @@
 #include <chrono>
 #include <future>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 namespace lyn::linux_platform {
@@ -49,30 +48,25 @@ const char* OrNull(const std::string& text)
     return text.empty() ? nullptr : text.c_str();
 }
 
-/// Cancels what takes longer than a call of the core may.
-class Watchdog {
-public:
-    explicit Watchdog(GCancellable* cancellable)
-        : m_thread([this, cancellable] {
-              if (m_done.get_future().wait_for(std::chrono::milliseconds(kCallLimitMs)) !=
-                  std::future_status::ready) {
-                  g_cancellable_cancel(cancellable);
-              }
-          })
-    {
-    }
-    ~Watchdog()
-    {
-        m_done.set_value();
-        m_thread.join();
-    }
-    Watchdog(const Watchdog&) = delete;
-    Watchdog& operator=(const Watchdog&) = delete;
+GDBusConnection* ConnectTo(const char* address, GCancellable* cancellable)
+{
+    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    return g_dbus_connection_new_for_address_sync(address, flags, nullptr, cancellable, nullptr);
+}
 
-private:
-    std::promise<void> m_done;
-    std::thread m_thread;
-};
+/// Runs what may take long on a thread of its own, and cancels it after the time that a call of the core may take.
+/// A connection that is made there tells of its end on the main context, whatever context the caller's thread has.
+template <typename Work>
+auto InTime(const Work& work)
+{
+    const Cancellable cancellable(g_cancellable_new());
+    auto done = std::async(std::launch::async, work, cancellable.get());
+    if (done.wait_for(std::chrono::milliseconds(kCallLimitMs)) != std::future_status::ready) {
+        g_cancellable_cancel(cancellable.get());
+    }
+    return done.get();
+}
 
 GDBusConnection* Connect()
 {
@@ -80,11 +74,7 @@ GDBusConnection* Connect()
     if (!address) {
         return nullptr;
     }
-    const Cancellable cancellable(g_cancellable_new());
-    const Watchdog watchdog(cancellable.get());
-    const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    return g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, cancellable.get(), nullptr);
+    return InTime([&](GCancellable* cancellable) { return ConnectTo(address.get(), cancellable); });
 }
 
 template <typename Handler>
@@ -159,9 +149,9 @@ void Bus::Send(const Method& method) const
     g_dbus_connection_call(m_connection, method.service.c_str(), method.path.c_str(), method.interface.c_str(),
                            method.name.c_str(), nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimitMs,
                            nullptr, nullptr, nullptr);
-    const Cancellable cancellable(g_cancellable_new());
-    const Watchdog watchdog(cancellable.get());
-    g_dbus_connection_flush_sync(m_connection, cancellable.get(), nullptr);
+    InTime([this](GCancellable* cancellable) {
+        return g_dbus_connection_flush_sync(m_connection, cancellable, nullptr);
+    });
 }
 
 Subscription Bus::OnSignal(const SignalMatch& match, SignalHandler handler) const
