@@ -117,6 +117,15 @@ TEST_F(DiscoveryTest, AnAdapterThatComesBackIsScannedAgain)
     EXPECT_TRUE(WaitFor({"StopDiscovery"}));
 }
 
+TEST_F(DiscoveryTest, AnAdapterThatWasOffForAMomentIsScannedAgain)
+{
+    ASSERT_EQ(Start(), 0);
+    adapter->TakeCalls();
+    adapter->SetPower(FakeAdapter::Power::off);
+    adapter->SetPower(FakeAdapter::Power::on);
+    EXPECT_TRUE(WaitFor({kFilter, "StartDiscovery"})) << "bluetoothd has forgotten the discovery";
+}
+
 TEST_F(DiscoveryTest, ABluetoothdThatComesBackIsAskedAgain)
 {
     ASSERT_EQ(Start(), 0);

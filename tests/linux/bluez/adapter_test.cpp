@@ -153,6 +153,55 @@ TEST_F(AdapterTest, ReportsChangesAndNoMore)
     EXPECT_EQ(states.size(), 2U);
 }
 
+TEST_F(AdapterTest, ReportsAnOffThatIsOverBeforeItIsLookedAt)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez->Signal("/org/bluez/hci0", kProperties, "PropertiesChanged",
+                  "('org.bluez.Adapter1', {'Powered': <false>}, @as [])");
+    TellChange();
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED}; }));
+}
+
+TEST_F(AdapterTest, ReportsARemovalThatIsOverBeforeItIsLookedAt)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez->Signal("/", kManager, "InterfacesRemoved", "(@o '/org/bluez/hci0', ['org.bluez.Adapter1'])");
+    bluez->Signal("/", kManager, "InterfacesAdded", "(@o '/org/bluez/hci0', {'org.bluez.Adapter1': @a{sv} {}})");
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED}; }));
+}
+
+TEST_F(AdapterTest, IsNotOffWhenAnotherOneIs)
+{
+    Have(One("hci0", kOn, true) + ", " + One("hci1", kOff, true));
+    Watch();
+    bluez->Signal("/org/bluez/hci1", kProperties, "PropertiesChanged",
+                  "('org.bluez.Adapter1', {'Powered': <false>}, @as [])");
+    bluez->Signal("/", kManager, "InterfacesRemoved", "(@o '/org/bluez/hci1', ['org.bluez.Adapter1'])");
+    bluez->Signal("/", kManager, "InterfacesRemoved", "(@o '/org/bluez/hci0', ['org.bluez.Media1'])");
+    RunQuietly();
+    EXPECT_TRUE(states.empty());
+}
+
+TEST_F(AdapterTest, TakesNothingFromSignalsOfAnotherShape)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    for (const char* const values : {"()", "(5,)", "('/org/bluez/hci0',)", "(@o '/org/bluez/hci0', 5)"}) {
+        bluez->Signal("/", kManager, "InterfacesAdded", values);
+        bluez->Signal("/", kManager, "InterfacesRemoved", values);
+        bluez->Signal("/org/bluez/hci0", kProperties, "PropertiesChanged", values);
+    }
+    bluez->Signal("/org/bluez/hci0", kProperties, "PropertiesChanged",
+                  "('org.bluez.Adapter1', {'Powered': <'no'>}, @as [])");
+    RunQuietly();
+    EXPECT_TRUE(states.empty());
+    Have(One("hci0", kOn, false));
+    TellChange();
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; }));
+}
+
 TEST_F(AdapterTest, GoesAndComesWithBluetoothd)
 {
     Have(One("hci0", kOn, true));

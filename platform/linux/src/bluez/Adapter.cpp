@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include "Codes.h"
@@ -129,9 +128,7 @@ void Adapter::BeginWatching()
             Refresh(Tells::changes);
             return;
         }
-        // At once: a bluetoothd that is back soon has forgotten what this process asked for.
-        Keep({});
-        Tell(Tells::changes);
+        TellLoss({});
     }));
     WatchObjects();
 }
@@ -139,25 +136,53 @@ void Adapter::BeginWatching()
 void Adapter::BeginAgain()
 {
     m_subscriptions.clear();
-    Keep({});
-    Tell(Tells::changes);
+    TellLoss({});
     m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
 }
 
 void Adapter::WatchObjects()
 {
-    m_subscriptions.push_back(m_bus->OnSignal({kBluez, "", kProperties, "PropertiesChanged", kAdapter},
-                                              [this](const char*, GVariant*) { Refresh(Tells::changes); }));
-    for (const char* const name : {"InterfacesAdded", "InterfacesRemoved"}) {
-        m_subscriptions.push_back(
-            m_bus->OnSignal({kBluez, "/", kObjectManager, name, ""}, [this](const char*, GVariant* values) {
-                // Phones come and go all the time while discovering; only adapters matter here.
-                const Variant path(g_variant_get_child_value(values, 0));
-                if (std::strstr(g_variant_get_string(path.get(), nullptr), "/dev_") == nullptr) {
-                    Refresh(Tells::changes);
-                }
-            }));
+    m_subscriptions.push_back(
+        m_bus->OnSignal({kBluez, "", kProperties, "PropertiesChanged", kAdapter},
+                        [this](const char* path, GVariant* values) { OnPropertiesChanged(path, values); }));
+    m_subscriptions.push_back(m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesRemoved", ""},
+                                              [this](const char*, GVariant* values) { OnRemoved(values); }));
+    m_subscriptions.push_back(m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesAdded", ""},
+                                              [this](const char*, GVariant* values) {
+                                                  if (!ObjectWithAdded(values, kAdapter).empty()) {
+                                                      Refresh(Tells::changes);
+                                                  }
+                                              }));
+}
+
+void Adapter::OnPropertiesChanged(const char* path, GVariant* values)
+{
+    AdapterStatus status = Known();
+    const Variant changed = ChangedProperties(values);
+    if (changed && LookupBool(changed.get(), "Powered") == false && status.path == path) {
+        status.powered = false;
+        TellLoss(status);
     }
+    Refresh(Tells::changes);
+}
+
+void Adapter::OnRemoved(GVariant* values)
+{
+    const std::string path = ObjectWithRemoved(values, kAdapter);
+    if (path.empty()) {
+        return;
+    }
+    if (path == Known().path) {
+        TellLoss({});
+    }
+    Refresh(Tells::changes);
+}
+
+/// At once: when it is looked at, all may be well again, but what this process asked for is forgotten.
+void Adapter::TellLoss(const AdapterStatus& left)
+{
+    Keep(left);
+    Tell(Tells::changes);
 }
 
 void Adapter::Refresh(Tells tells)

@@ -52,6 +52,9 @@ private:
     void BeginWatching();
     void BeginAgain();
     void WatchObjects();
+    void OnPropertiesChanged(const char* path, GVariant* values);
+    void OnRemoved(GVariant* values);
+    void TellLoss(const AdapterStatus& left);
     void Refresh(Tells tells);
     AdapterStatus Choose(const Reply& objects) const;
     void Keep(const AdapterStatus& status);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 #include "Codes.h"
 
@@ -64,6 +65,12 @@ constexpr Meaning kMeanings[] = {
     {"org.freedesktop.DBus.Error.TimedOut", nullptr, kNoAnswer},
 };
 
+std::string FirstPath(GVariant* signal)
+{
+    const Variant path(g_variant_get_child_value(signal, 0));
+    return g_variant_get_string(path.get(), nullptr);
+}
+
 }  // namespace
 
 Method BluezMethod(const std::string& path, const char* interface, const char* name)
@@ -99,6 +106,31 @@ Variant ChangedProperties(GVariant* signal)
 {
     const bool good = g_variant_is_of_type(signal, G_VARIANT_TYPE("(sa{sv}as)")) != FALSE;
     return Variant(good ? g_variant_get_child_value(signal, 1) : nullptr);
+}
+
+std::string ObjectWithAdded(GVariant* signal, const char* interface)
+{
+    if (!g_variant_is_of_type(signal, G_VARIANT_TYPE("(oa{sa{sv}})"))) {
+        return "";
+    }
+    const Variant interfaces(g_variant_get_child_value(signal, 1));
+    return Lookup(interfaces.get(), interface, "a{sv}") ? FirstPath(signal) : "";
+}
+
+std::string ObjectWithRemoved(GVariant* signal, const char* interface)
+{
+    if (!g_variant_is_of_type(signal, G_VARIANT_TYPE("(oas)"))) {
+        return "";
+    }
+    const Variant interfaces(g_variant_get_child_value(signal, 1));
+    const gsize count = g_variant_n_children(interfaces.get());
+    for (gsize i = 0; i < count; ++i) {
+        const Variant name(g_variant_get_child_value(interfaces.get(), i));
+        if (std::strcmp(g_variant_get_string(name.get(), nullptr), interface) == 0) {
+            return FirstPath(signal);
+        }
+    }
+    return "";
 }
 
 std::string DevicePath(const std::string& adapterPath, const std::string& address)

@@ -32,6 +32,11 @@ void ForEachObject(const Reply& objects, const char* interface,
 /// The new values a{sv} that a PropertiesChanged signal tells; null when it is malformed.
 Variant ChangedProperties(GVariant* signal);
 
+/// The object that an InterfacesAdded or InterfacesRemoved signal tells of, if it has the interface now, or has
+/// lost it; empty otherwise, and when the signal is malformed.
+std::string ObjectWithAdded(GVariant* signal, const char* interface);
+std::string ObjectWithRemoved(GVariant* signal, const char* interface);
+
 /// The object of a device of an adapter. The address may have any letter case.
 std::string DevicePath(const std::string& adapterPath, const std::string& address);
 
