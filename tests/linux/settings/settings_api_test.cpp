@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string>
+#include <thread>
 
 #include "StoreTest.h"
 #include "lyn_platform/files.h"
@@ -90,6 +91,17 @@ TEST_F(SettingsApiTest, PrefersWhatIsSetToTheDefault)
     int type = 0;
     EXPECT_EQ(system_info_get_custom_int(kDeviceType, &type), 0);
     EXPECT_EQ(type, 3);
+}
+
+TEST_F(SettingsApiTest, PutsNoDefaultInPlaceOfWhatIsSetMeanwhile)
+{
+    for (int i = 0; i < 200; ++i) {
+        std::filesystem::remove(Store().FileOf(kTvName));
+        std::thread writer([] { Store().Write(kTvName, std::string("Mine")); });
+        std::free(vconf_get_str(kTvName));
+        writer.join();
+        ASSERT_EQ(Store().Read(kTvName), Setting(std::string("Mine"))) << "round " << i;
+    }
 }
 
 TEST_F(SettingsApiTest, UsesADefaultThatCannotBeKept)

@@ -101,6 +101,17 @@ TEST_F(StoreTest, SaysWhyAKeyCannotBeWrittenAndLeavesNothingBehind)
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "state/db"), {}), 2);
 }
 
+TEST_F(StoreTest, GivesAFirstValueOnlyToAKeyThatHasNone)
+{
+    EXPECT_TRUE(store.WriteFirst("db/a", 1));
+    EXPECT_FALSE(store.WriteFirst("db/a", 2));
+    EXPECT_EQ(store.Read("db/a"), Setting(1));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "state/db"), {}), 1) << "files left behind";
+    fs::create_directories(folder / "state/db/folder");
+    EXPECT_FALSE(store.WriteFirst("db/folder", 2));
+    EXPECT_THROW(store.WriteFirst("db/b", std::string("two\nlines")), std::invalid_argument);
+}
+
 TEST_F(StoreTest, LetsReadersSeeOneOfTheValuesOfManyWriters)
 {
     const std::string first(2000, 'a');

@@ -29,7 +29,7 @@ std::optional<Setting> ReadOrDefault(const std::string& key)
     value = DefaultOf(key);
     if (value) {
         try {
-            Store().Write(key, *value);
+            return Store().WriteFirst(key, *value) ? value : Store().Read(key);
         } catch (const std::exception& error) {
             LogWarn("a default setting is used but not kept: %s", error.what());
         }

@@ -48,7 +48,7 @@ bool IsPlainKey(const std::string& key)
     return key.find("//") == std::string::npos;
 }
 
-/// A file that takes its final name when it is complete, and is removed when it does not come to that.
+/// A file that takes its final name when it is complete. The name that it has before is not left behind.
 class NewFile {
 public:
     explicit NewFile(const fs::path& target)
@@ -63,15 +63,16 @@ public:
     ~NewFile()
     {
         ::close(m_descriptor);
-        if (!m_inPlace) {
+        if (!m_renamed) {
             ::unlink(m_name.c_str());
         }
     }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
-    void Write(const std::string& content)
+    void Fill(const std::string& content)
     {
+        constexpr mode_t kReadableByAll = 0644;
         std::size_t written = 0;
         while (written < content.size()) {
             const ssize_t count = ::write(m_descriptor, content.data() + written, content.size() - written);
@@ -80,23 +81,36 @@ public:
             }
             written += count > 0 ? static_cast<std::size_t>(count) : 0;
         }
-    }
-
-    void PutInPlace()
-    {
-        constexpr mode_t kReadableByAll = 0644;
-        if (::fchmod(m_descriptor, kReadableByAll) != 0 || ::fsync(m_descriptor) != 0 ||
-            ::rename(m_name.c_str(), m_target.c_str()) != 0) {
+        if (::fchmod(m_descriptor, kReadableByAll) != 0 || ::fsync(m_descriptor) != 0) {
             throw FailedWithErrno(m_target);
         }
-        m_inPlace = true;
+    }
+
+    void Replace()
+    {
+        if (::rename(m_name.c_str(), m_target.c_str()) != 0) {
+            throw FailedWithErrno(m_target);
+        }
+        m_renamed = true;
+    }
+
+    /// False when the name is taken.
+    bool PutIfAbsent()
+    {
+        if (::link(m_name.c_str(), m_target.c_str()) == 0) {
+            return true;
+        }
+        if (errno != EEXIST) {
+            throw FailedWithErrno(m_target);
+        }
+        return false;
     }
 
 private:
     fs::path m_target;
     std::string m_name;
     int m_descriptor;
-    bool m_inPlace = false;
+    bool m_renamed = false;
 };
 
 /// So that the new name outlives a loss of power.
@@ -145,20 +159,35 @@ std::optional<Setting> SettingsStore::Read(const std::string& key) const
 
 void SettingsStore::Write(const std::string& key, const Setting& value) const
 {
-    const fs::path file = FileOf(key);
-    if (std::holds_alternative<std::string>(value) &&
-        std::get<std::string>(value).find_first_of(std::string("\n\0", 2)) != std::string::npos) {
-        throw std::invalid_argument("a setting is one line of text");
-    }
+    const std::string line = LineOf(value);
+    const fs::path file = PlaceFor(key);
+    NewFile replacement(file);
+    replacement.Fill(line);
+    replacement.Replace();
+    SyncFolder(file.parent_path());
+}
+
+bool SettingsStore::WriteFirst(const std::string& key, const Setting& value) const
+{
+    const std::string line = LineOf(value);
+    const fs::path file = PlaceFor(key);
+    NewFile first(file);
+    first.Fill(line);
+    const bool put = first.PutIfAbsent();
+    SyncFolder(file.parent_path());
+    return put;
+}
+
+/// The file of a key, in a folder that is there.
+fs::path SettingsStore::PlaceFor(const std::string& key) const
+{
+    fs::path file = FileOf(key);
     std::error_code error;
     fs::create_directories(file.parent_path(), error);
     if (error) {
         throw Failed(file.parent_path(), error.message());
     }
-    NewFile replacement(file);
-    replacement.Write(LineOf(value));
-    replacement.PutInPlace();
-    SyncFolder(file.parent_path());
+    return file;
 }
 
 std::string LineOf(const Setting& value)
@@ -166,7 +195,11 @@ std::string LineOf(const Setting& value)
     if (std::holds_alternative<int>(value)) {
         return kInt + std::to_string(std::get<int>(value)) + "\n";
     }
-    return kText + std::get<std::string>(value) + "\n";
+    const auto& text = std::get<std::string>(value);
+    if (text.find_first_of(std::string("\n\0", 2)) != std::string::npos) {
+        throw std::invalid_argument("a setting is one line of text");
+    }
+    return kText + text + "\n";
 }
 
 std::optional<Setting> SettingOf(const std::string& line)

@@ -37,11 +37,16 @@ public:
     /// Replaces the value. Throws std::runtime_error when it cannot be written; the old value is then kept.
     void Write(const std::string& key, const Setting& value) const;
 
+    /// Gives an absent key its first value. @return false when it has one meanwhile, which is kept
+    bool WriteFirst(const std::string& key, const Setting& value) const;
+
 private:
+    std::filesystem::path PlaceFor(const std::string& key) const;
+
     SettingsFolders m_folders;
 };
 
-/// The line of a setting, with its newline.
+/// The line of a setting, with its newline. Throws std::invalid_argument for a text of several lines.
 std::string LineOf(const Setting& value);
 /// What a line means; none when it is no setting.
 std::optional<Setting> SettingOf(const std::string& line);
