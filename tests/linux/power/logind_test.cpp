@@ -11,6 +11,7 @@
 
 #include "FakeService.h"
 #include "PrivateBus.h"
+#include "bus/Bus.h"
 #include "lyn_platform/power.h"
 
 namespace lyn::linux_tests {
@@ -160,6 +161,28 @@ TEST_F(PowerTest, ALogindThatComesBackIsAskedForTimeAgain)
     EXPECT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
 }
 
+TEST_F(PowerTest, ASleepEndsWithTheLogindThatAnnouncedIt)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(true);
+    ASSERT_TRUE(RunUntil([&] { return device_power_get_state() == 3; }));
+    logind.reset();
+    EXPECT_TRUE(RunUntil([&] { return device_power_get_state() == 1; }));
+}
+
+TEST_F(PowerTest, ABusThatWasAwayIsListenedToAgain)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    g_dbus_connection_close_sync(linux_platform::Bus::System()->Connection(), nullptr, nullptr);
+    ASSERT_TRUE(RunUntil([&] { return logind->Granted() == 2 && logind->Held() == 1; }));
+    PrepareForSleep(true);
+    EXPECT_TRUE(RunUntil([&] { return flags.size() == 1; }));
+    PrepareForSleep(false);
+    EXPECT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+}
+
 TEST_F(PowerTest, ARefusedDelayLosesNoEvent)
 {
     logind->service.Fail(kPath, kManager, "Inhibit", "org.freedesktop.DBus.Error.AccessDenied");
@@ -171,6 +194,19 @@ TEST_F(PowerTest, ARefusedDelayLosesNoEvent)
     PrepareForSleep(false);
     RunQuietly();
     EXPECT_EQ(device_power_get_state(), 1);
+}
+
+TEST_F(PowerTest, ASignalWithOtherValuesIsNoWakingEither)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(true);
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 0; }));
+    logind->service.Signal(kPath, kManager, "PrepareForSleep", "()");
+    RunQuietly();
+    EXPECT_EQ(device_power_get_state(), 3);
+    PrepareForSleep(false);
+    EXPECT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
 }
 
 TEST_F(PowerTest, ASignalWithOtherValuesIsNoSleep)

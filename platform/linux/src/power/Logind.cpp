@@ -19,14 +19,17 @@ constexpr const char* kPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
 constexpr std::uint32_t kSuspend = 0x40000000;
 
-bool FirstIsTrue(GVariant* values)
+constexpr unsigned kRetryMs = 2000;
+
+/// Whether what a signal announces begins; none when it says something else.
+std::optional<bool> Begins(GVariant* values)
 {
     if (!g_variant_is_of_type(values, G_VARIANT_TYPE("(b)"))) {
-        return false;
+        return std::nullopt;
     }
-    gboolean first = FALSE;
-    g_variant_get(values, "(b)", &first);
-    return first != FALSE;
+    gboolean begins = FALSE;
+    g_variant_get(values, "(b)", &begins);
+    return begins != FALSE;
 }
 
 }  // namespace
@@ -52,41 +55,63 @@ void Logind::BeginWatching()
 {
     m_bus = Bus::System();
     if (m_bus == nullptr) {
-        m_watching = false;
+        m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
         return;
     }
+    m_subscriptions.push_back(m_bus->OnClosed([this] { BeginAgain(); }));
     m_subscriptions.push_back(
         m_bus->OnSignal({kLogin, kPath, kManager, "PrepareForSleep", ""},
-                        [this](const char*, GVariant* values) { OnPrepareForSleep(FirstIsTrue(values)); }));
+                        [this](const char*, GVariant* values) { OnPrepareForSleep(Begins(values)); }));
     m_subscriptions.push_back(
         m_bus->OnSignal({kLogin, kPath, kManager, "PrepareForShutdown", ""},
-                        [this](const char*, GVariant* values) { OnPrepareForShutdown(FirstIsTrue(values)); }));
-    // A logind that was started again has forgotten the delay.
+                        [this](const char*, GVariant* values) { OnPrepareForShutdown(Begins(values)); }));
+    // A logind that was started again has forgotten the delay, and a sleep that it announced.
     m_subscriptions.push_back(m_bus->OnOwner(kLogin, [this](const std::string& owner) {
-        AllowSleep();
+        Forget();
         if (!owner.empty()) {
             DelaySleep();
         }
     }));
 }
 
-void Logind::OnPrepareForSleep(bool begins)
+void Logind::BeginAgain()
 {
-    m_awake = !begins;
-    if (!begins) {
-        DelaySleep();
-        // The library goes on only after a report that Bluetooth is on.
-        Adapter::Instance().TellAgain();
-        return;
-    }
-    const device_power_off_info_s info{kSuspend};
-    powerOff.Deliver(powerOff.Id(), &info);
-    AllowSleep();
+    m_subscriptions.clear();
+    Forget();
+    m_retry = Timer(kRetryMs, [this] { BeginWatching(); });
 }
 
-void Logind::OnPrepareForShutdown(bool begins) const
+void Logind::Forget()
 {
-    if (begins) {
+    AllowSleep();
+    if (!m_awake) {
+        WakeUp();
+    }
+}
+
+void Logind::WakeUp()
+{
+    m_awake = true;
+    // The library goes on only after a report that Bluetooth is on.
+    Adapter::Instance().TellAgain();
+}
+
+void Logind::OnPrepareForSleep(std::optional<bool> begins)
+{
+    if (begins == true) {
+        m_awake = false;
+        const device_power_off_info_s info{kSuspend};
+        powerOff.Deliver(powerOff.Id(), &info);
+        AllowSleep();
+    } else if (begins == false) {
+        DelaySleep();
+        WakeUp();
+    }
+}
+
+void Logind::OnPrepareForShutdown(std::optional<bool> begins) const
+{
+    if (begins == true) {
         const device_power_off_info_s info{0};
         powerOff.Deliver(powerOff.Id(), &info);
     }

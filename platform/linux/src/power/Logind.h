@@ -2,9 +2,11 @@
 #pragma once
 
 #include <atomic>
+#include <optional>
 #include <vector>
 
 #include "bus/Bus.h"
+#include "loop/MainContext.h"
 #include "loop/Slot.h"
 #include "lyn_platform/power.h"
 
@@ -30,10 +32,13 @@ private:
     Logind() = default;
 
     void BeginWatching();
+    void BeginAgain();
+    void Forget();
+    void WakeUp();
     void DelaySleep();
     void AllowSleep();
-    void OnPrepareForSleep(bool begins);
-    void OnPrepareForShutdown(bool begins) const;
+    void OnPrepareForSleep(std::optional<bool> begins);
+    void OnPrepareForShutdown(std::optional<bool> begins) const;
 
     std::atomic<bool> m_watching = false;
     std::atomic<bool> m_awake = true;
@@ -42,6 +47,7 @@ private:
     std::shared_ptr<Bus> m_bus;
     std::vector<Subscription> m_subscriptions;
     int m_inhibitor = -1;
+    Timer m_retry;
 };
 
 }  // namespace lyn::linux_platform
