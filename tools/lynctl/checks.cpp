@@ -13,6 +13,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "Codes.h"
 #include "bluez/Adapter.h"
 #include "bluez/Bluez.h"
 #include "bus/Bus.h"
@@ -30,6 +31,7 @@ using namespace lyn::linux_platform;
 
 constexpr int kWantedMtu = 256;
 constexpr int kNetRaw = 13;  // the bit of CAP_NET_RAW
+constexpr const char* kSettings = "settings";
 constexpr const char* kMainConf = "/etc/bluetooth/main.conf";
 
 std::string ContentOf(const fs::path& file)
@@ -44,18 +46,6 @@ std::string FirstLineOf(const fs::path& file)
     return content.substr(0, content.find('\n'));
 }
 
-bool HasOwner(const Bus& bus, const char* service)
-{
-    const Reply reply =
-        bus.CallNow({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"},
-                    g_variant_new("(s)", service));
-    gboolean owned = FALSE;
-    if (reply.Ok() && g_variant_is_of_type(reply.values.get(), G_VARIANT_TYPE("(b)"))) {
-        g_variant_get(reply.values.get(), "(b)", &owned);
-    }
-    return owned != FALSE;
-}
-
 Check CheckBus(const Bus* bus)
 {
     if (bus == nullptr) {
@@ -64,12 +54,25 @@ Check CheckBus(const Bus* bus)
     return {"system bus", Level::good, "answers", ""};
 }
 
-Check CheckBluetoothd(const Bus* bus)
+Check CheckBluetoothd(const Bus& bus)
 {
-    if (bus == nullptr || !HasOwner(*bus, kBluez)) {
-        return {"bluetoothd", Level::problem, "does not run", "sudo systemctl start bluetooth"};
+    constexpr const char* kName = "bluetoothd";
+    const Reply reply = bus.CallNow(AllObjects(), nullptr);
+    if (reply.Ok()) {
+        return {kName, Level::good, "runs", ""};
     }
-    return {"bluetoothd", Level::good, "runs", ""};
+    switch (CodeOf(*reply.error)) {
+    case kAdapterOff:
+        return {kName, Level::problem, "does not run", "sudo systemctl start bluetooth"};
+    case kRefused:
+        return {kName, Level::problem, "does not let this user in",
+                "sudo usermod -aG bluetooth $USER, and log in again; or run as a system service"};
+    case kNoAnswer:
+        return {kName, Level::problem, "does not answer", "sudo systemctl restart bluetooth"};
+    default:
+        return {kName, Level::problem, reply.error->name + ": " + reply.error->message,
+                "sudo systemctl restart bluetooth"};
+    }
 }
 
 Check CheckAdapter(const AdapterStatus& adapter)
@@ -182,26 +185,54 @@ fs::path Existing(fs::path folder)
     return folder;
 }
 
+/// What keeps a setting from being written, and what mends that; none when nothing does.
+std::optional<Check> WhatKeepsFromWriting(const SettingsStore& store, const char* key)
+{
+    const fs::path folder = store.FileOf(key).parent_path();
+    const fs::path deepest = Existing(folder);
+    std::error_code error;
+    if (!fs::is_directory(deepest, error)) {
+        return Check{kSettings, Level::problem, deepest.string() + " is no folder", "rm " + deepest.string()};
+    }
+    if (::access(deepest.c_str(), W_OK) != 0) {
+        return Check{kSettings, Level::problem, deepest.string() + " cannot be written",
+                     deepest == folder ? "sudo chown -R $USER " + deepest.string()
+                                       : "sudo install -d -o $USER " + folder.string()};
+    }
+    return std::nullopt;
+}
+
+/// The same for reading it: a value that is none, or of another kind than its default.
+std::optional<Check> WhatIsWrongWith(const SettingsStore& store, const char* key)
+{
+    const std::string mend = std::string("lynctl settings set ") + key + " VALUE";
+    try {
+        const auto value = store.Read(key);
+        const auto wanted = DefaultOf(key);
+        if (value && wanted && value->index() != wanted->index()) {
+            const bool text = std::holds_alternative<std::string>(*wanted);
+            return Check{kSettings, Level::problem, std::string(key) + " holds no " + (text ? "text" : "number"),
+                         mend + (text ? " --text" : "")};
+        }
+    } catch (const std::exception& error) {
+        return Check{kSettings, Level::problem, error.what(), mend};
+    }
+    return std::nullopt;
+}
+
 Check CheckSettings()
 {
     const auto folders = SettingsFolders::FromEnvironment();
-    for (const fs::path& folder : {folders.state, folders.runtime}) {
-        if (::access(Existing(folder).c_str(), W_OK) != 0) {
-            return {"settings", Level::problem, folder.string() + " cannot be written",
-                    "sudo install -d -o $USER " + folder.string()};
-        }
-    }
     const SettingsStore store(folders);
     for (const char* const key :
          {"db/menu/network/devicename/tv_name", "memory/menu/network/screenmirroring/p2p_listen_channel"}) {
-        try {
-            store.Read(key);
-        } catch (const std::exception& error) {
-            return {"settings", Level::problem, error.what(),
-                    std::string("lynctl settings set ") + key + " VALUE"};
+        for (const auto look : {WhatKeepsFromWriting, WhatIsWrongWith}) {
+            if (auto problem = look(store, key)) {
+                return *problem;
+            }
         }
     }
-    return {"settings", Level::good, folders.state.string() + ", " + folders.runtime.string(), ""};
+    return {kSettings, Level::good, folders.state.string() + ", " + folders.runtime.string(), ""};
 }
 
 }  // namespace
@@ -220,10 +251,17 @@ int ExchangeMtuIn(const std::string& mainConf)
 std::vector<Check> CheckMachine()
 {
     const auto bus = Bus::System();
-    const AdapterStatus adapter = Adapter::Instance().Read();
-    std::vector<Check> checks = {CheckBus(bus.get()), CheckBluetoothd(bus.get()), CheckAdapter(adapter)};
-    if (!adapter.path.empty()) {
-        checks.push_back(CheckPower(adapter));
+    std::vector<Check> checks = {CheckBus(bus.get())};
+    if (bus != nullptr) {
+        checks.push_back(CheckBluetoothd(*bus));
+    }
+    // Whoever cannot ask bluetoothd knows nothing of its adapters.
+    if (checks.back().level == Level::good) {
+        const AdapterStatus adapter = Adapter::Instance().Read();
+        checks.push_back(CheckAdapter(adapter));
+        if (!adapter.path.empty()) {
+            checks.push_back(CheckPower(adapter));
+        }
     }
     for (const auto check : {CheckRights, CheckMtu, CheckAccessPoint, CheckDirectAddress, CheckSettings}) {
         checks.push_back(check());
