@@ -53,27 +53,22 @@ GVariant* ServiceUuidsOf(const Payload& payload)
     return g_variant_builder_end(&all);
 }
 
-/// bluetoothd says that it has let the advertisement go. It is told by the adapter's state as well.
-void OnMethodCall(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                  GDBusMethodInvocation* invocation, gpointer)
-{
-    g_dbus_method_invocation_return_value(invocation, nullptr);
-}
-
 }  // namespace
 
 Advertisement::Advertisement(std::shared_ptr<Bus> bus, const std::string& adapter, const std::string& feature,
-                             const Payload& payload, unsigned intervalMs, Ended registered)
+                             const Payload& payload, unsigned intervalMs, Tell tell)
     : m_bus(std::move(bus)),
       m_adapter(adapter),
       m_path("/lyn/advertiser/" + feature),
       m_payload(payload),
-      m_intervalMs(intervalMs)
+      m_intervalMs(intervalMs),
+      m_tell(std::move(tell))
 {
-    static const GDBusInterfaceVTable functions = {&OnMethodCall, &Advertisement::GetProperty, nullptr, {}};
+    static const GDBusInterfaceVTable functions = {
+        &Advertisement::OnRelease, &Advertisement::GetProperty, nullptr, {}};
     m_object = g_dbus_connection_register_object(m_bus->Connection(), m_path.c_str(), Description(), &functions,
                                                  this, nullptr, nullptr);
-    Register(std::move(registered));
+    Register();
 }
 
 Advertisement::~Advertisement()
@@ -85,15 +80,24 @@ Advertisement::~Advertisement()
     }
 }
 
-void Advertisement::Register(Ended registered)
+void Advertisement::Register()
 {
     GVariantBuilder options;
     g_variant_builder_init(&options, G_VARIANT_TYPE("a{sv}"));
     m_bus->Call({"org.bluez", m_adapter, kManager, "RegisterAdvertisement"},
                 g_variant_new("(oa{sv})", m_path.c_str(), &options), kRegisterLimitMs,
-                [registered = std::move(registered)](const Reply& reply) {
-                    registered(reply.Ok() ? "" : reply.error->name + ": " + reply.error->message);
+                [tell = m_tell](const Reply& reply) {
+                    tell(reply.Ok() ? "" : reply.error->name + ": " + reply.error->message);
                 });
+}
+
+// The one method that there is: bluetoothd has taken the advertisement off the air.
+void Advertisement::OnRelease(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                              GDBusMethodInvocation* invocation, gpointer self)
+{
+    g_dbus_method_invocation_return_value(invocation, nullptr);
+    const Tell tell = static_cast<const Advertisement*>(self)->m_tell;  // Whoever is told may destroy this object.
+    tell("bluetoothd has let it go");
 }
 
 GVariant* Advertisement::GetProperty(GDBusConnection*, const char*, const char*, const char*, const char* name,

@@ -16,13 +16,13 @@ namespace lyn::advertiser {
 /// context.
 class Advertisement {
 public:
-    /// Tells once that the advertisement is on the air (an empty text), or why it is not.
-    using Ended = std::function<void(const std::string& error)>;
+    /// Tells that the advertisement is on the air (an empty text), or why it is not, or not any more.
+    using Tell = std::function<void(const std::string& error)>;
 
     /// @param adapter object of BlueZ's adapter
     /// @param intervalMs how often; bluetoothd follows it where the controller can
     Advertisement(std::shared_ptr<linux_platform::Bus> bus, const std::string& adapter, const std::string& feature,
-                  const Payload& payload, unsigned intervalMs, Ended registered);
+                  const Payload& payload, unsigned intervalMs, Tell tell);
     ~Advertisement();
     Advertisement(const Advertisement&) = delete;
     Advertisement& operator=(const Advertisement&) = delete;
@@ -31,13 +31,16 @@ private:
     static GVariant* GetProperty(GDBusConnection*, const char*, const char*, const char*, const char* name,
                                  GError**, gpointer self);
     GVariant* Property(const std::string& name) const;
-    void Register(Ended registered);
+    static void OnRelease(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                          GDBusMethodInvocation* invocation, gpointer self);
+    void Register();
 
     std::shared_ptr<linux_platform::Bus> m_bus;
     std::string m_adapter;
     std::string m_path;
     Payload m_payload;
     unsigned m_intervalMs;
+    Tell m_tell;
     guint m_object = 0;
 };
 

@@ -72,21 +72,21 @@ void Advertiser::UpdateFeature(const std::string& name, Feature& feature, const 
     if (wanted > 0 && bus != nullptr) {
         feature.advertisement = std::make_unique<Advertisement>(
             bus, adapter.path, name, feature.payload, wanted,
-            [this, name, wanted](const std::string& error) { OnRegistered(name, wanted, error); });
+            [this, name, attempt = ++feature.attempt](const std::string& error) { OnNews(name, attempt, error); });
     }
 }
 
-void Advertiser::OnRegistered(const std::string& name, unsigned interval, const std::string& error)
+void Advertiser::OnNews(const std::string& name, unsigned attempt, const std::string& error)
 {
     Feature& feature = m_features.at(name);
-    if (feature.interval != interval) {
+    if (feature.advertisement == nullptr || feature.attempt != attempt) {
         return;  // of an advertisement that was taken back meanwhile
     }
     if (error.empty()) {
-        m_tell({name, "on", interval, ""});
+        m_tell({name, "on", feature.interval, ""});
         return;
     }
-    m_tell({name, "failed", interval, error});
+    m_tell({name, "failed", feature.interval, error});
     feature.advertisement = nullptr;
     feature.interval = 0;
     m_retry = linux_platform::Timer(kRetryMs, [this] { Update(); });

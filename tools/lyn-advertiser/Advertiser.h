@@ -37,13 +37,14 @@ private:
         Payload payload;
         std::unique_ptr<linux_platform::SettingWatch> watch;
         std::unique_ptr<Advertisement> advertisement;
+        unsigned attempt = 0;  ///< the number of that advertisement
         unsigned interval = 0;
         std::string adapter;
     };
 
     unsigned WantedInterval(const std::string& feature) const;
     void UpdateFeature(const std::string& name, Feature& feature, const linux_platform::AdapterStatus& adapter);
-    void OnRegistered(const std::string& name, unsigned interval, const std::string& error);
+    void OnNews(const std::string& name, unsigned attempt, const std::string& error);
 
     const linux_platform::SettingsStore& m_store;
     std::function<void(const News&)> m_tell;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Config.h"
 
+#include <glib.h>
 #include <json/json.h>
 
 #include <algorithm>
@@ -149,6 +150,19 @@ void ReadServiceUuids(Payload& payload, const Field& field)
     }
 }
 
+std::string NameFrom(const Field& field)
+{
+    std::string name = field.Text();
+    if (name.size() > kMaxName) {
+        field.Reject("at most " + std::to_string(kMaxName) + " bytes");
+    }
+    // JSON readers let other bytes through, which the bus does not carry.
+    if (g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) == FALSE) {
+        field.Reject("a text in UTF-8, without a NUL, is wanted");
+    }
+    return name;
+}
+
 Payload ReadPayload(const Field& field)
 {
     field.WantObject({"connectable", "manufacturerData", "serviceUuids", "localName"});
@@ -167,10 +181,7 @@ Payload ReadPayload(const Field& field)
         ReadServiceUuids(payload, field.Member("serviceUuids"));
     }
     if (field.Value().isMember("localName")) {
-        payload.localName = field.Member("localName").Text();
-        if (payload.localName.size() > kMaxName) {
-            field.Member("localName").Reject("at most " + std::to_string(kMaxName) + " bytes");
-        }
+        payload.localName = NameFrom(field.Member("localName"));
     }
     return payload;
 }
