@@ -126,6 +126,19 @@ TEST_F(DiscoveryTest, AnAdapterThatWasOffForAMomentIsScannedAgain)
     EXPECT_TRUE(WaitFor({kFilter, "StartDiscovery"})) << "bluetoothd has forgotten the discovery";
 }
 
+TEST_F(DiscoveryTest, ANewStartThatNobodyAnswersIsTakenBackWhenTheScanHasBeenStopped)
+{
+    ASSERT_EQ(Start(), 0);
+    adapter->SetPower(FakeAdapter::Power::off);
+    RunQuietly();
+    adapter->TakeCalls();
+    adapter->SetMute(true);
+    adapter->SetPower(FakeAdapter::Power::on);
+    ASSERT_TRUE(WaitFor({kFilter, "StartDiscovery"}));
+    EXPECT_EQ(bt_adapter_le_stop_scan(), 0);
+    EXPECT_TRUE(WaitFor({"StopDiscovery"})) << "it may still begin";
+}
+
 TEST_F(DiscoveryTest, ABluetoothdThatComesBackIsAskedAgain)
 {
     ASSERT_EQ(Start(), 0);

@@ -121,26 +121,13 @@ void Discovery::SendStop(const std::string& adapterPath)
     if (bus == nullptr || adapterPath.empty()) {
         return;  // What has gone has ended its discoveries.
     }
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_stopsUnanswered;
-    }
-    bus->Call(AdapterMethod(adapterPath, "StopDiscovery"), nullptr, kCallLimitMs, [this](const Reply&) {
-        const std::lock_guard lock(m_mutex);
-        --m_stopsUnanswered;
-    });
+    bus->Call(AdapterMethod(adapterPath, "StopDiscovery"), nullptr, kCallLimitMs, [](const Reply&) {});
 }
 
 bool Discovery::IsOn() const
 {
     const std::lock_guard lock(m_mutex);
     return m_state == State::on;
-}
-
-bool Discovery::IsRunning() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_state != State::off || m_stopsUnanswered > 0;
 }
 
 void Discovery::OnAdapter(const AdapterStatus& status)
@@ -192,7 +179,7 @@ void Discovery::OnStarted(int code, const std::string& adapterPath)
         wanted = m_wanted;
         m_state = isOn && wanted ? State::on : State::off;
     }
-    if (isOn && !wanted) {
+    if (!wanted && (isOn || code == kNoAnswer)) {
         SendStop(adapterPath);
     }
     if (!isOn && wanted) {

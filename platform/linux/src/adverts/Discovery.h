@@ -39,9 +39,6 @@ public:
     /// It is on, as far as is known.
     bool IsOn() const;
 
-    /// It is on, or bluetoothd has not answered to the stop yet.
-    bool IsRunning() const;
-
     /// To be told of each change of the adapter. On the main context.
     void OnAdapter(const AdapterStatus& status);
 
@@ -52,13 +49,12 @@ private:
     void StartLater(const std::string& adapterPath);
     void OnStarted(int code, const std::string& adapterPath);
     int Settle(int code, const std::string& adapterPath);
-    void SendStop(const std::string& adapterPath);
+    static void SendStop(const std::string& adapterPath);
 
     mutable std::mutex m_mutex;
     bool m_wanted = false;
     State m_state = State::off;
     std::string m_path;  ///< of the adapter where it was started last; empty when that has gone
-    int m_stopsUnanswered = 0;
 
     Timer m_retry;  ///< on the main context
 };

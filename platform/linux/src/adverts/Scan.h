@@ -21,9 +21,6 @@ public:
     int Start(bt_adapter_le_scan_result_cb callback, void* userData);
     int Stop();
 
-    /// This process's discovery is on, or bluetoothd has not answered to its stop yet.
-    bool IsDiscovering() const { return m_discovery.IsRunning(); }
-
 private:
     Scan();
 
