@@ -19,16 +19,18 @@ Bytes NameValue(const std::string& name, std::uint8_t second = 25)
 
 class MergedDataTest : public ::testing::Test {
 protected:
-    Advert Take(const Bytes& value) { return merged.Take(kPhone, {{117, value}}).value_or(Advert{}); }
+    Advert Take(const Bytes& value)
+    {
+        return merged.Take(kPhone, std::nullopt, {{117, value}}).value_or(Advert{});
+    }
 
     MergedData merged;
 };
 
 TEST_F(MergedDataTest, DataBecomeAnAdvertisingPacket)
 {
-    merged.TakeRssi(kPhone, -42);
     const Bytes value(14, 0);
-    const Advert advert = Take(value);
+    const Advert advert = merged.Take(kPhone, -42, {{117, value}}).value_or(Advert{});
     EXPECT_EQ(advert.address, kPhone);
     EXPECT_EQ(advert.rssi, -42);
     EXPECT_EQ(advert.advertising, Manufacturer(117, value));
@@ -42,8 +44,8 @@ TEST_F(MergedDataTest, ASignalStrengthThatWasNotToldIsUnknown)
 
 TEST_F(MergedDataTest, OtherCompaniesAreNotDelivered)
 {
-    EXPECT_FALSE(merged.Take(kPhone, {}));
-    EXPECT_FALSE(merged.Take(kPhone, {{76, {1, 2}}, {6, {3}}}));
+    EXPECT_FALSE(merged.Take(kPhone, std::nullopt, {}));
+    EXPECT_FALSE(merged.Take(kPhone, std::nullopt, {{76, {1, 2}}, {6, {3}}}));
 }
 
 TEST_F(MergedDataTest, AlternatingDataOfAPhoneAreJoined)
@@ -51,12 +53,12 @@ TEST_F(MergedDataTest, AlternatingDataOfAPhoneAreJoined)
     for (const std::uint8_t marker : Bytes{25, 23}) {
         MergedData fresh;
         const Bytes phone = PhoneValue(marker);
-        EXPECT_EQ(fresh.Take(kPhone, {{117, phone}})->response, std::nullopt);
+        EXPECT_EQ(fresh.Take(kPhone, std::nullopt, {{117, phone}})->response, std::nullopt);
         for (int i = 0; i < 2; ++i) {
-            const auto named = fresh.Take(kPhone, {{117, NameValue("Tom")}});
+            const auto named = fresh.Take(kPhone, std::nullopt, {{117, NameValue("Tom")}});
             EXPECT_EQ(named->advertising, Manufacturer(117, phone));
             EXPECT_EQ(named->response, Manufacturer(117, NameValue("Tom")));
-            const auto again = fresh.Take(kPhone, {{117, phone}});
+            const auto again = fresh.Take(kPhone, std::nullopt, {{117, phone}});
             EXPECT_EQ(again->advertising, Manufacturer(117, phone));
             EXPECT_EQ(again->response, Manufacturer(117, NameValue("Tom")));
         }
@@ -81,7 +83,7 @@ TEST_F(MergedDataTest, ANewNameReplacesTheOldOne)
 
 TEST_F(MergedDataTest, AResponseOfAnotherCompanyIsToldApart)
 {
-    const auto advert = merged.Take(kPhone, {{76, NameValue("Tom")}, {117, PhoneValue(25)}});
+    const auto advert = merged.Take(kPhone, std::nullopt, {{76, NameValue("Tom")}, {117, PhoneValue(25)}});
     ASSERT_TRUE(advert);
     EXPECT_EQ(advert->advertising, Manufacturer(117, PhoneValue(25)));
     EXPECT_EQ(advert->response, Manufacturer(76, NameValue("Tom")));
@@ -114,7 +116,7 @@ TEST_F(MergedDataTest, NodLinkDataAreNoResponse)
 TEST_F(MergedDataTest, PhonesAreKeptApart)
 {
     Take(PhoneValue(25));
-    const auto other = merged.Take("C0:00:00:00:00:02", {{117, NameValue("Tom")}});
+    const auto other = merged.Take("C0:00:00:00:00:02", std::nullopt, {{117, NameValue("Tom")}});
     EXPECT_EQ(other->response, std::nullopt);
     EXPECT_EQ(Take(PhoneValue(25)).response, std::nullopt);
 }
@@ -123,14 +125,30 @@ TEST_F(MergedDataTest, AnyLengthIsTaken)
 {
     EXPECT_TRUE(Take({}).response == std::nullopt);
     EXPECT_EQ(Take(Bytes(252, 1)).advertising.size(), 256U);
-    EXPECT_FALSE(merged.Take(kPhone, {{117, Bytes(253, 1)}})) << "fits into no structure";
+    EXPECT_FALSE(merged.Take(kPhone, std::nullopt, {{117, Bytes(253, 1)}})) << "fits into no structure";
+}
+
+TEST_F(MergedDataTest, ANewSignalStrengthIsKept)
+{
+    Take({1, 2, 3});
+    EXPECT_FALSE(merged.Take(kPhone, -50, {}));
+    EXPECT_EQ(Take({1, 2, 3}).rssi, -50);
+}
+
+TEST_F(MergedDataTest, StrangersPushNoPhoneOut)
+{
+    Take(PhoneValue(25));
+    for (std::size_t i = 0; i < 2 * MergedData::kMostDevices; ++i) {
+        EXPECT_FALSE(merged.Take(std::to_string(i), -50, {{76, {1, 2}}}));
+    }
+    EXPECT_EQ(Take(NameValue("Tom")).advertising, Manufacturer(117, PhoneValue(25)));
 }
 
 TEST_F(MergedDataTest, AFloodTakesNoMoreMemory)
 {
     Take(NameValue("Tom"));
     for (std::size_t i = 0; i < MergedData::kMostDevices; ++i) {
-        merged.Take(std::to_string(i), {{117, {1, 2}}});
+        merged.Take(std::to_string(i), std::nullopt, {{117, {1, 2}}});
     }
     EXPECT_EQ(Take(PhoneValue(25)).response, std::nullopt) << "it has been forgotten";
 }

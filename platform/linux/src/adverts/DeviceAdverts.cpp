@@ -96,8 +96,7 @@ void DeviceAdverts::OnInterfacesAdded(GVariant* values)
 
 void DeviceAdverts::OnPropertiesChanged(const char* path, GVariant* values)
 {
-    if (g_variant_is_of_type(values, G_VARIANT_TYPE("(sa{sv}as)"))) {
-        const Variant properties(g_variant_get_child_value(values, 1));
+    if (const Variant properties = ChangedProperties(values)) {
         TakeProperties(path, properties.get());
     }
 }
@@ -108,10 +107,9 @@ void DeviceAdverts::TakeProperties(const std::string& path, GVariant* properties
         return;
     }
     const std::string address = AddressOf(path.substr(m_prefix.size()));
-    if (const Variant rssi = Lookup(properties, "RSSI", "n")) {
-        m_merged.TakeRssi(address, g_variant_get_int16(rssi.get()));
-    }
-    if (const auto advert = m_merged.Take(address, ManufacturerDataOf(properties))) {
+    const Variant rssi = Lookup(properties, "RSSI", "n");
+    const auto strength = rssi ? std::optional<int>(g_variant_get_int16(rssi.get())) : std::nullopt;
+    if (const auto advert = m_merged.Take(address, strength, ManufacturerDataOf(properties))) {
         m_handler(*advert);
     }
 }

@@ -48,12 +48,17 @@ bool Fits(const CompanyData& company)
 
 }  // namespace
 
-MergedData::Device& MergedData::Find(const std::string& address)
+MergedData::Device* MergedData::Find(const std::string& address)
 {
     const auto found = std::find_if(m_devices.begin(), m_devices.end(),
                                     [&](const Device& device) { return device.address == address; });
-    if (found != m_devices.end()) {
-        return *found;
+    return found != m_devices.end() ? &*found : nullptr;
+}
+
+MergedData::Device& MergedData::FindOrAdd(const std::string& address)
+{
+    if (Device* const known = Find(address)) {
+        return *known;
     }
     if (m_devices.size() == kMostDevices) {
         m_devices.erase(m_devices.begin());
@@ -62,19 +67,20 @@ MergedData::Device& MergedData::Find(const std::string& address)
     return m_devices.back();
 }
 
-void MergedData::TakeRssi(const std::string& address, int rssi)
-{
-    Find(address).rssi = rssi;
-}
-
-std::optional<Advert> MergedData::Take(const std::string& address, const std::vector<CompanyData>& all)
+std::optional<Advert> MergedData::Take(const std::string& address, std::optional<int> rssi,
+                                       const std::vector<CompanyData>& all)
 {
     const auto isPhones = [](const CompanyData& one) { return one.company == platform::kPhoneCompany; };
     const auto ours = std::find_if(all.begin(), all.end(), isPhones);
-    if (ours == all.end() || !Fits(*ours)) {
+    const bool isAPhone = ours != all.end() && Fits(*ours);
+    Device* const known = isAPhone ? &FindOrAdd(address) : Find(address);
+    if (known != nullptr && rssi) {
+        known->rssi = *rssi;
+    }
+    if (!isAPhone) {
         return std::nullopt;
     }
-    Device& device = Find(address);
+    Device& device = *known;
     const auto other = std::find_if_not(all.begin(), all.end(), isPhones);
     if (IsPhone(ours->data)) {
         device.ambiguous = device.ambiguous || (device.phone && *device.phone != ours->data);

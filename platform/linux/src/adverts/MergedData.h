@@ -28,10 +28,11 @@ class MergedData {
 public:
     static constexpr std::size_t kMostDevices = 256;
 
-    void TakeRssi(const std::string& address, int rssi);
-
+    /// What is told of a device at one time. Nothing is kept of one that has never had a phone's data: strangers
+    /// are many, and would push the phones out.
     /// @return the scan result, if the data are those of a phone
-    std::optional<Advert> Take(const std::string& address, const std::vector<CompanyData>& all);
+    std::optional<Advert> Take(const std::string& address, std::optional<int> rssi,
+                               const std::vector<CompanyData>& all);
 
 private:
     struct Device {
@@ -42,7 +43,8 @@ private:
         bool ambiguous;                 ///< different data could be the advertising packet's
     };
 
-    Device& Find(const std::string& address);
+    Device* Find(const std::string& address);
+    Device& FindOrAdd(const std::string& address);
 
     std::vector<Device> m_devices;  ///< the one known for longest first
 };
