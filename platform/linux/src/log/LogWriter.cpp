@@ -10,7 +10,6 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
-#include <vector>
 
 #include "log/SourcePlace.h"
 
@@ -67,17 +66,10 @@ std::string TimeText()
 /// False when no journal takes the line.
 bool WriteToJournal(int priority, const char* tag, const std::string& text)
 {
-    static constexpr std::array<const char*, 4> kSyslog = {"7", "6", "4", "3"};
-    const auto place = ReadSourcePlace(text);
-    std::vector<GLogField> fields = {
-        {"MESSAGE", text.data(), static_cast<gssize>(text.size())},
-        {"PRIORITY", kSyslog[Rank(priority)], -1},
-        {"SYSLOG_IDENTIFIER", tag, -1},
-    };
-    if (place) {
-        fields.push_back({"CODE_FILE", place->file.c_str(), -1});
-        fields.push_back({"CODE_FUNC", place->function.c_str(), -1});
-        fields.push_back({"CODE_LINE", place->line.c_str(), -1});
+    const auto all = JournalFieldsOf(priority, tag, text);
+    std::vector<GLogField> fields;
+    for (const auto& [name, value] : all) {
+        fields.push_back({name.c_str(), value.data(), static_cast<gssize>(value.size())});
     }
     return g_log_writer_journald(G_LOG_LEVEL_MESSAGE, fields.data(), fields.size(), nullptr) ==
            G_LOG_WRITER_HANDLED;
@@ -126,19 +118,38 @@ void LogWriter::Write(int priority, const char* tag, const std::string& text) co
     }
 }
 
-std::string Printable(const std::string& text)
+std::vector<std::pair<std::string, std::string>> JournalFieldsOf(int priority, const char* tag,
+                                                                 const std::string& text)
+{
+    static constexpr std::array<const char*, 4> kSyslog = {"7", "6", "4", "3"};
+    std::vector<std::pair<std::string, std::string>> fields = {
+        {"MESSAGE", Printable(text)}, {"PRIORITY", kSyslog[Rank(priority)]}, {"SYSLOG_IDENTIFIER", tag}};
+    if (auto place = ReadSourcePlace(text)) {
+        fields.emplace_back("CODE_FILE", std::move(place->file));
+        fields.emplace_back("CODE_FUNC", std::move(place->function));
+        fields.emplace_back("CODE_LINE", std::move(place->line));
+    }
+    return fields;
+}
+
+std::string Printable(std::string_view text)
 {
     std::string result;
     result.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            result += c;
+    while (!text.empty()) {
+        const gunichar code = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
+        const bool plain = code != static_cast<gunichar>(-1) && code != static_cast<gunichar>(-2) &&
+                           g_unichar_isprint(code) != FALSE;
+        if (plain) {
+            const auto size = static_cast<std::size_t>(g_unichar_to_utf8(code, nullptr));
+            result += text.substr(0, size);
+            text.remove_prefix(size);
             continue;
         }
         std::array<char, 8> escaped{};
-        std::snprintf(escaped.data(), escaped.size(), "\\x%02X", byte);
+        std::snprintf(escaped.data(), escaped.size(), "\\x%02X", static_cast<unsigned char>(text.front()));
         result += escaped.data();
+        text.remove_prefix(1);
     }
     return result;
 }

@@ -3,6 +3,9 @@
 
 #include <cstdarg>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace lyn::linux_platform {
 
@@ -31,7 +34,11 @@ private:
     bool m_coloured;
 };
 
-/// The text with everything that could steer a terminal written as \xHH.
-std::string Printable(const std::string& text);
+/// The fields of a line in the journal.
+std::vector<std::pair<std::string, std::string>> JournalFieldsOf(int priority, const char* tag,
+                                                                 const std::string& text);
+
+/// The text with everything that could steer a terminal, and all that is no UTF-8, written as \xHH.
+std::string Printable(std::string_view text);
 
 }  // namespace lyn::linux_platform
