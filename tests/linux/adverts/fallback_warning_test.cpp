@@ -26,5 +26,15 @@ TEST(FallbackWarning, SaysOnceWhatIsLostAndHowToGrantIt)
     EXPECT_THAT(log, ::testing::HasSubstr("AmbientCapabilities=CAP_NET_RAW"));
 }
 
+TEST(FallbackWarning, GrantsNoRightWhereNoneIsMissing)
+{
+    const std::string noSockets = FallbackText(EAFNOSUPPORT);
+    EXPECT_THAT(noSockets, ::testing::HasSubstr("RestrictAddressFamilies"));
+    EXPECT_THAT(noSockets, ::testing::Not(::testing::HasSubstr("setcap")));
+    const std::string noAdapter = FallbackText(ENODEV);
+    EXPECT_THAT(noAdapter, ::testing::HasSubstr("No such device"));
+    EXPECT_THAT(noAdapter, ::testing::Not(::testing::HasSubstr("setcap")));
+}
+
 }  // namespace
 }  // namespace lyn::linux_platform

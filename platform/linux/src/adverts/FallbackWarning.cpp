@@ -20,20 +20,36 @@ std::string Program()
     return failed ? "PROGRAM" : path.string();
 }
 
+std::string Cure(int error)
+{
+    if (error == EPERM) {
+        return ". To grant it: setcap cap_net_raw+ep " + Program() +
+               ", or AmbientCapabilities=CAP_NET_RAW in the systemd unit";
+    }
+    if (error == EAFNOSUPPORT) {
+        return ". The kernel has no Bluetooth, or RestrictAddressFamilies= of the systemd unit keeps it away";
+    }
+    return "";
+}
+
 }  // namespace
+
+std::string FallbackText(int error)
+{
+    const std::string reason = error == EPERM ? "CAP_NET_RAW is missing" : std::generic_category().message(error);
+    return "no raw HCI socket (" + reason +
+           "): adverts come over D-Bus, where a phone's scan response replaces its advertising packet, so "
+           "mirroring "
+           "and Kov phones are found late or never" +
+           Cure(error);
+}
 
 void WarnOfFallback(int error)
 {
     static std::atomic<bool> warned{false};
-    if (warned.exchange(true)) {
-        return;
+    if (!warned.exchange(true)) {
+        LogWarn("%s", FallbackText(error).c_str());
     }
-    const std::string reason = error == EPERM ? "CAP_NET_RAW is missing" : std::generic_category().message(error);
-    LogWarn(
-        "no raw HCI socket (%s): adverts come over D-Bus, where a phone's scan response replaces its advertising "
-        "packet, so mirroring and Kov phones are found late or never. To grant it: setcap cap_net_raw+ep %s, "
-        "or AmbientCapabilities=CAP_NET_RAW in the systemd unit",
-        reason.c_str(), Program().c_str());
 }
 
 }  // namespace lyn::linux_platform
