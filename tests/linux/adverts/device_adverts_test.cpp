@@ -142,5 +142,15 @@ TEST_F(DeviceAdvertsTest, AnAdapterThatComesBackIsListenedToAgain)
     EXPECT_TRUE(RunUntil([&] { return results.size() == 1; }));
 }
 
+TEST_F(DeviceAdvertsTest, WhatIsHeardWhenTheAdapterComesBackIsAResult)
+{
+    StartListening();
+    adapter.SetPower(FakeAdapter::Power::off);
+    RunQuietly(50);
+    adapter.SetDevices("@o '" + kDevice + "': {'org.bluez.Device1': " + Properties(kPhone) + "}");
+    adapter.SetPower(FakeAdapter::Power::on);
+    EXPECT_TRUE(RunUntil([&] { return results.size() == 1; }));
+}
+
 }  // namespace
 }  // namespace lyn::linux_tests

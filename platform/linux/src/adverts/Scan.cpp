@@ -126,8 +126,8 @@ void Scan::OnAdapter(const AdapterStatus& status)
         m_path.clear();
         m_hciAdverts.reset();
         m_deviceAdverts.reset();
-    } else if (status.path != m_path || (m_hciAdverts != nullptr && m_hciAdverts->HasEnded())) {
-        Listen(status.path);
+    } else if (status.path != m_path || m_hciAdverts == nullptr || m_hciAdverts->HasEnded()) {
+        Listen(status.path);  // A raw socket that could not be opened before may be there now.
     }
     m_discovery.OnAdapter(status);
 }
