@@ -1,32 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Failure codes of this platform: negated errno values, and the few that have a meaning to those who call.
 #pragma once
 
-#include <cerrno>
+#include "FailureCodes.h"
 
 namespace lyn::linux_platform {
 
-inline constexpr int kInvalidArgument = -EINVAL;
+using namespace platform;
+
 inline constexpr int kNoBus = -EHOSTDOWN;
-inline constexpr int kAdapterOff = -ENODEV;
-inline constexpr int kNotConnected = -ENOTCONN;
-inline constexpr int kAlreadyDone = -EALREADY;
 inline constexpr int kBusy = -EBUSY;
 inline constexpr int kCanceled = -ECANCELED;
-inline constexpr int kNotFound = -ENOENT;
-inline constexpr int kRefused = -EPERM;
 inline constexpr int kNotSupported = -EOPNOTSUPP;
 inline constexpr int kNoAnswer = -ETIMEDOUT;
-inline constexpr int kMalformed = -EBADMSG;
-inline constexpr int kTooLong = -EMSGSIZE;
-inline constexpr int kOutOfMemory = -ENOMEM;
 inline constexpr int kFailed = -EIO;
-
-inline constexpr int kWifiOpenAlready = -38;
-inline constexpr int kConnectedAlready = static_cast<int>(0xFE400103);
-inline constexpr int kLinkLost = static_cast<int>(0xFE400104);
-inline constexpr int kScanNotRunning = static_cast<int>(0xFE400105);
-inline constexpr int kConnectTimedOut = static_cast<int>(0xC0000001);
 
 }  // namespace lyn::linux_platform

@@ -31,8 +31,6 @@ public:
 private:
     LogBook();
 
-    void Show(const LogLine& line) const;
-
     std::mutex m_mutex;
     std::deque<LogLine> m_lines;
     std::atomic<int> m_kept;   ///< lowest priority kept

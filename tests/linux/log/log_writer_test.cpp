@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "LogText.h"
 #include "log/Log.h"
 
 namespace lyn::linux_platform {
@@ -83,30 +84,14 @@ TEST(LogWriter, KeepsLongLinesWhole)
 TEST(LogWriter, WritesNothingIntoTheJournalThatItsReadersHide)
 {
     // journalctl shows a line with such characters as "[6B blob data]".
-    const auto fields = JournalFieldsOf(kWarn, "TAG", "file.cpp: Work(12) > a\x1b");
-    const std::vector<std::pair<std::string, std::string>> expected = {{"MESSAGE", "file.cpp: Work(12) > a\\x1B"},
+    const auto fields = JournalFieldsOf(platform::kWarn, "TAG", "file.cpp: Work(12) > a\x1b");
+    const std::vector<std::pair<std::string, std::string>> expected = {{"MESSAGE", "file.cpp: Work(12) > a\\x1b"},
                                                                        {"PRIORITY", "4"},
                                                                        {"SYSLOG_IDENTIFIER", "TAG"},
                                                                        {"CODE_FILE", "file.cpp"},
                                                                        {"CODE_FUNC", "Work"},
                                                                        {"CODE_LINE", "12"}};
     EXPECT_EQ(fields, expected);
-}
-
-TEST(LogWriter, LetsNoLineSteerATerminal)
-{
-    EXPECT_EQ(Printable("a\x1b[31m\nb\x7f"), "a\\x1B[31m\\x0Ab\\x7F");
-    EXPECT_EQ(Printable("Gr\xC3\xBC\xC3\x9F \xE7\x95\xAA"), "Gr\xC3\xBC\xC3\x9F \xE7\x95\xAA");
-    EXPECT_EQ(Printable(std::string("\0", 1)), "\\x00");
-    EXPECT_EQ(Printable("\xC2\x9B"
-                        "31m"),
-              "\\xC2\\x9B31m")
-        << "one character that begins a sequence";
-    EXPECT_EQ(Printable("\xE2\x80\xAE"), "\\xE2\\x80\\xAE") << "it turns the line round";
-    EXPECT_EQ(Printable("\x9B"
-                        "31m\xC3"),
-              "\\x9B31m\\xC3")
-        << "no UTF-8";
 }
 
 }  // namespace

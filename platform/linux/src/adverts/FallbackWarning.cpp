@@ -27,7 +27,8 @@ std::string Cure(int error)
                ", or AmbientCapabilities=CAP_NET_RAW in the systemd unit";
     }
     if (error == EAFNOSUPPORT) {
-        return ". The kernel has no Bluetooth, or RestrictAddressFamilies= of the systemd unit keeps it away";
+        return ". Bluetooth sockets are kept away: by RestrictAddressFamilies= or PrivateNetwork= of the systemd unit, "
+               "by a container, or by a kernel without Bluetooth";
     }
     return "";
 }

@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 
+#include "LogText.h"
 #include "log/LogWriter.h"
 
 namespace lyn::linux_platform {
@@ -17,7 +18,7 @@ void LogInfo(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    LogWriter::Instance().Print(kInfo, kTag, format, arguments);
+    LogWriter::Instance().Print(platform::kInfo, kTag, format, arguments);
     va_end(arguments);
 }
 
@@ -25,7 +26,7 @@ void LogWarn(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    LogWriter::Instance().Print(kWarn, kTag, format, arguments);
+    LogWriter::Instance().Print(platform::kWarn, kTag, format, arguments);
     va_end(arguments);
 }
 
@@ -33,7 +34,7 @@ void LogError(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    LogWriter::Instance().Print(kError, kTag, format, arguments);
+    LogWriter::Instance().Print(platform::kError, kTag, format, arguments);
     va_end(arguments);
 }
 
