@@ -10,12 +10,14 @@ namespace lynphone {
 
 using lyn::linux_platform::BluezMethod;
 using lyn::linux_platform::Bus;
+using lyn::linux_platform::ChangedProperties;
 using lyn::linux_platform::kBluez;
 using lyn::linux_platform::kDevice;
 using lyn::linux_platform::kObjectManager;
 using lyn::linux_platform::kProperties;
 using lyn::linux_platform::Lookup;
 using lyn::linux_platform::LookupBool;
+using lyn::linux_platform::ObjectWithRemoved;
 using lyn::linux_platform::Reply;
 using lyn::linux_platform::Variant;
 
@@ -80,19 +82,14 @@ void Peers::OnAdded(GVariant* values)
 
 void Peers::OnRemoved(GVariant* values)
 {
-    if (g_variant_is_of_type(values, G_VARIANT_TYPE("(oas)"))) {
-        const Variant path(g_variant_get_child_value(values, 0));
-        Note(g_variant_get_string(path.get(), nullptr), false);
-    }
+    Note(ObjectWithRemoved(values, kDevice), false);
 }
 
 void Peers::OnChanged(const std::string& path, GVariant* values)
 {
-    if (!g_variant_is_of_type(values, G_VARIANT_TYPE("(sa{sv}as)"))) {
-        return;
-    }
-    const Variant changed(g_variant_get_child_value(values, 1));
-    if (const auto connected = LookupBool(changed.get(), "Connected")) {
+    const Variant changed = ChangedProperties(values);
+    const auto connected = changed ? LookupBool(changed.get(), "Connected") : std::nullopt;
+    if (connected) {
         Note(path, *connected);
     }
 }

@@ -27,7 +27,8 @@ std::string Cure(int error)
                ", or AmbientCapabilities=CAP_NET_RAW in the systemd unit";
     }
     if (error == EAFNOSUPPORT) {
-        return ". Bluetooth sockets are kept away: by RestrictAddressFamilies= or PrivateNetwork= of the systemd unit, "
+        return ". Bluetooth sockets are kept away: by RestrictAddressFamilies= or PrivateNetwork= of the systemd "
+               "unit, "
                "by a container, or by a kernel without Bluetooth";
     }
     return "";
