@@ -15,16 +15,6 @@ namespace {
 constexpr std::chrono::milliseconds kPauseWhileBusy{20};
 constexpr unsigned kRetryMs = 2000;
 
-/// LE only, and every advert of a phone, also when nothing in it is new.
-GVariant* Filter()
-{
-    GVariantBuilder entries;
-    g_variant_builder_init(&entries, G_VARIANT_TYPE("a{sv}"));
-    g_variant_builder_add(&entries, "{sv}", "Transport", g_variant_new_string("le"));
-    g_variant_builder_add(&entries, "{sv}", "DuplicateData", g_variant_new_boolean(TRUE));
-    return g_variant_new("(a{sv})", &entries);
-}
-
 /// An adapter that is not on the bus is one that is off.
 int StartCodeOf(const Reply& reply)
 {
@@ -66,7 +56,7 @@ int Discovery::StartNow(const Bus& bus, const std::string& adapterPath, const De
     const auto call = [&](const char* name, GVariant* arguments) {
         return bus.CallNow(AdapterMethod(adapterPath, name), arguments, std::max(deadline.LeftMs(), 1));
     };
-    int code = StartCodeOf(call("SetDiscoveryFilter", Filter()));
+    int code = StartCodeOf(call("SetDiscoveryFilter", DiscoveryFilter()));
     if (code != 0) {
         return code;
     }
@@ -162,7 +152,8 @@ void Discovery::StartLater(const std::string& adapterPath)
         OnStarted(kNoBus, adapterPath);
         return;
     }
-    bus->Call(AdapterMethod(adapterPath, "SetDiscoveryFilter"), Filter(), kCallLimitMs, [](const Reply&) {});
+    bus->Call(AdapterMethod(adapterPath, "SetDiscoveryFilter"), DiscoveryFilter(), kCallLimitMs,
+              [](const Reply&) {});
     bus->Call(AdapterMethod(adapterPath, "StartDiscovery"), nullptr, kCallLimitMs,
               [this, adapterPath](const Reply& reply) { OnStarted(StartCodeOf(reply), adapterPath); });
 }

@@ -133,6 +133,15 @@ std::string ObjectWithRemoved(GVariant* signal, const char* interface)
     return "";
 }
 
+GVariant* DiscoveryFilter()
+{
+    GVariantBuilder entries;
+    g_variant_builder_init(&entries, G_VARIANT_TYPE("a{sv}"));
+    g_variant_builder_add(&entries, "{sv}", "Transport", g_variant_new_string("le"));
+    g_variant_builder_add(&entries, "{sv}", "DuplicateData", g_variant_new_boolean(TRUE));
+    return g_variant_new("(a{sv})", &entries);
+}
+
 std::string DevicePath(const std::string& adapterPath, const std::string& address)
 {
     std::string name = address;

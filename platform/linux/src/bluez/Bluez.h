@@ -37,6 +37,10 @@ Variant ChangedProperties(GVariant* signal);
 std::string ObjectWithAdded(GVariant* signal, const char* interface);
 std::string ObjectWithRemoved(GVariant* signal, const char* interface);
 
+/// The arguments of SetDiscoveryFilter: LE only, and every advert of a phone, also when nothing in it is new.
+/// bluetoothd has one filter for a process: whoever discovers must ask for the same.
+GVariant* DiscoveryFilter();
+
 /// The object of a device of an adapter. The address may have any letter case.
 std::string DevicePath(const std::string& adapterPath, const std::string& address);
 

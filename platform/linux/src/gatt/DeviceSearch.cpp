@@ -25,11 +25,8 @@ DeviceSearch::DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, st
 {
     m_added = m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesAdded", ""},
                               [this, path = std::move(devicePath)](const char*, GVariant* values) {
-                                  if (g_variant_is_of_type(values, G_VARIANT_TYPE("(oa{sa{sv}})"))) {
-                                      const Variant added(g_variant_get_child_value(values, 0));
-                                      if (g_variant_get_string(added.get(), nullptr) == path) {
-                                          OnFound();
-                                      }
+                                  if (ObjectWithAdded(values, kDevice) == path) {
+                                      OnFound();
                                   }
                               });
     Start();
@@ -44,10 +41,7 @@ DeviceSearch::~DeviceSearch()
 
 void DeviceSearch::Start()
 {
-    GVariantBuilder filter;
-    g_variant_builder_init(&filter, G_VARIANT_TYPE("a{sv}"));
-    g_variant_builder_add(&filter, "{sv}", "Transport", g_variant_new_string("le"));
-    m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "SetDiscoveryFilter"), g_variant_new("(a{sv})", &filter),
+    m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "SetDiscoveryFilter"), DiscoveryFilter(),
                 TimeLimits().connect, [](const Reply&) {});
     m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "StartDiscovery"), nullptr, TimeLimits().connect,
                 [self = std::weak_ptr(m_self), bus = m_bus, path = m_adapterPath](const Reply& reply) {

@@ -98,9 +98,12 @@ void Link::Watch()
                                                       OnDeviceChanged(changed.get());
                                                   }
                                               }));
-    m_subscriptions.push_back(
-        m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesRemoved", ""},
-                        [this](const char*, GVariant* values) { OnInterfacesRemoved(values); }));
+    m_subscriptions.push_back(m_bus->OnSignal(
+        {kBluez, "/", kObjectManager, "InterfacesRemoved", ""}, [this](const char*, GVariant* values) {
+            if (m_search == nullptr && ObjectWithRemoved(values, kDevice) == m_path) {
+                OnForgotten();
+            }
+        }));
 }
 
 void Link::OnDeviceChanged(GVariant* changed)
@@ -120,26 +123,6 @@ void Link::OnDeviceChanged(GVariant* changed)
     if (LookupBool(changed, "ServicesResolved") == true &&
         (m_state == State::connecting || m_state == State::resolving)) {
         LookUp();
-    }
-}
-
-void Link::OnInterfacesRemoved(GVariant* values)
-{
-    if (!g_variant_is_of_type(values, G_VARIANT_TYPE("(oas)")) || m_search != nullptr) {
-        return;
-    }
-    const Variant path(g_variant_get_child_value(values, 0));
-    if (g_variant_get_string(path.get(), nullptr) != m_path) {
-        return;
-    }
-    const Variant interfaces(g_variant_get_child_value(values, 1));
-    const gsize count = g_variant_n_children(interfaces.get());
-    for (gsize i = 0; i < count; ++i) {
-        const Variant name(g_variant_get_child_value(interfaces.get(), i));
-        if (std::string(g_variant_get_string(name.get(), nullptr)) == kDevice) {
-            OnForgotten();
-            return;
-        }
     }
 }
 

@@ -46,7 +46,6 @@ private:
     bool IsComingUp() const;
     void Watch();
     void OnDeviceChanged(GVariant* changed);
-    void OnInterfacesRemoved(GVariant* values);
     void OnForgotten();
 
     void OnFirstLook(const Reply& reply);
