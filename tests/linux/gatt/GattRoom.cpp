@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GattRoom.h"
 
+#include <cstdlib>
 #include <ostream>
 
 #include "PrivateBus.h"
@@ -19,6 +20,7 @@ std::ostream& operator<<(std::ostream& out, const Report& report)
 GattRoom::GattRoom()
 {
     PrivateBus::Instance();
+    ::setenv("LYN_LOG_TARGET", "stderr", 1);
     TimeLimits() = {.connect = 300,
                     .strangersLink = 60,
                     .takeDown = 200,

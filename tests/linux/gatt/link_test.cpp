@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Connects: how they succeed and fail.
+#include <gmock/gmock.h>
+
 #include "Codes.h"
 #include "GattRoom.h"
 
@@ -108,6 +110,17 @@ TEST_F(LinuxLink, AFailedConnectHasTheErrorsCodeAndMayBeTriedAgainAtOnce)
               (std::vector<std::string>{"Properties.GetAll", "Device1.Connect", "Device1.Disconnect",
                                         "Properties.GetAll", "Device1.Connect", "Properties.GetAll",
                                         "ObjectManager.GetManagedObjects"}));
+}
+
+TEST_F(LinuxLink, AFailedConnectIsLoggedWithWhatBluezSays)
+{
+    bluez->Treat("Device1.Connect", 1, Treatment::Fails(kFailedName, "le-connection-abort-by-remote"));
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Failure(), kFailed);
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(log, ::testing::HasSubstr("W/LYN_PLATFORM"));
+    EXPECT_THAT(log, ::testing::HasSubstr("Connect of /org/bluez/hci0/dev_A0_00_00_00_00_01 failed: "
+                                          "le-connection-abort-by-remote (org.bluez.Error.Failed)"));
 }
 
 TEST_F(LinuxLink, ARetryWaitsUntilWhatTheFailedConnectLeftIsDown)

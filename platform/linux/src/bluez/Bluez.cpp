@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Codes.h"
+#include "log/Log.h"
 
 namespace lyn::linux_platform {
 
@@ -148,6 +149,11 @@ std::string DevicePath(const std::string& adapterPath, const std::string& addres
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char c) { return c == ':' ? '_' : static_cast<char>(std::toupper(c)); });
     return adapterPath + "/dev_" + name;
+}
+
+void WarnOfRefusal(const std::string& path, const char* method, const BusError& error)
+{
+    LogWarn("%s of %s failed: %s (%s)", method, path.c_str(), error.message.c_str(), error.name.c_str());
 }
 
 int CodeOf(const BusError& error)

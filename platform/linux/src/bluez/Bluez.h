@@ -44,6 +44,9 @@ GVariant* DiscoveryFilter();
 /// The object of a device of an adapter. The address may have any letter case.
 std::string DevicePath(const std::string& adapterPath, const std::string& address);
 
+/// Logs what BlueZ refused and how it put it: a code of the seam says less.
+void WarnOfRefusal(const std::string& path, const char* method, const BusError& error);
+
 /// Codes of the seam that come from BlueZ's errors: see gatt.h and bluetooth.h for those with a meaning.
 int CodeOf(const BusError& error);
 

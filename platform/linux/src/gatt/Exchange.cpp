@@ -85,6 +85,7 @@ void Exchange::OnStarted(const Reply& reply)
     m_notifying = reply.Ok() ? Notifying::yes : Notifying::refused;
     m_refusal = reply.Ok() ? 0 : CodeOf(*reply.error);
     if (!reply.Ok()) {
+        WarnOfRefusal(m_path, "StartNotify", *reply.error);
         m_values.End();
     }
     for (const PendingWrite& write : std::exchange(m_waiting, {})) {
@@ -149,6 +150,9 @@ void Exchange::Send(const PendingWrite& write)
         g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, write.value.data(), write.value.size(), sizeof(char));
     Call("WriteValue", g_variant_new("(@aya{sv})", value, &options), TimeLimits().write,
          [self = shared_from_this(), write](const Reply& reply) {
+             if (!reply.Ok()) {
+                 WarnOfRefusal(self->m_path, "WriteValue", *reply.error);
+             }
              self->Complete(write, reply.Ok() ? 0 : CodeOf(*reply.error));
          });
 }

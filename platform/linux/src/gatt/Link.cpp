@@ -6,6 +6,7 @@
 #include "Codes.h"
 #include "bluez/Bluez.h"
 #include "gatt/Limits.h"
+#include "log/Log.h"
 
 namespace lyn::linux_platform {
 
@@ -39,7 +40,10 @@ Link::Link(std::shared_ptr<Bus> bus, std::string adapterPath, const std::string&
 
 void Link::Begin()
 {
-    m_limit = Timer(static_cast<unsigned>(TimeLimits().connect), [this] { Fail(kConnectTimedOut); });
+    m_limit = Timer(static_cast<unsigned>(TimeLimits().connect), [this] {
+        LogWarn("no link to %s within %d ms", m_path.c_str(), TimeLimits().connect);
+        Fail(kConnectTimedOut);
+    });
     Watch();
     AskProperties([self = weak_from_this()](const Reply& reply) {
         const auto link = self.lock();
@@ -169,6 +173,7 @@ void Link::OnConnectReply(const Reply& reply)
         // Another program's link, or its connect, serves as well.
         Resolve();
     } else {
+        WarnOfRefusal(m_path, "Connect", *reply.error);
         Fail(code);
     }
 }
