@@ -122,6 +122,25 @@ TEST_F(AccessPointTest, IsGivenUpWhenOneOfTheAnswersNeverComes)
     EXPECT_NE(Find(ap), 0);
 }
 
+TEST_F(AccessPointTest, IsTheSameHandleForAsLongAsItIsTheSame)
+{
+    FakeService supplicant(kSupplicant);
+    PlayConnected(supplicant);
+    wifi_ap_h first = nullptr;
+    wifi_ap_h again = nullptr;
+    wifi_ap_h moved = nullptr;
+    ASSERT_EQ(Find(first), 0);
+    ASSERT_EQ(Find(again), 0);
+    EXPECT_EQ(first, again) << "who asks again and again must not make it grow";
+    supplicant.OnText(kBss, kProperties, "GetAll",
+                      "({'BSSID': <[byte 0x02, 0x00, 0x00, 0xab, 0x00, 0xfe]>, 'Frequency': <uint16 2412>},)");
+    ASSERT_EQ(Find(moved), 0);
+    EXPECT_NE(moved, first);
+    int frequency = 0;
+    EXPECT_EQ(wifi_ap_get_frequency(first, &frequency), 0);
+    EXPECT_EQ(frequency, 5180);
+}
+
 TEST_F(AccessPointTest, IsUnknownOnceWifiIsClosed)
 {
     FakeService supplicant(kSupplicant);

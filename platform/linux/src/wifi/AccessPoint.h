@@ -10,6 +10,8 @@ namespace lyn::linux_platform {
 struct AccessPoint {
     std::string bssid;  ///< six lower-case pairs
     int frequency;      ///< MHz
+
+    bool operator==(const AccessPoint&) const = default;
 };
 
 /// Asks wpa_supplicant on the bus, waiting for at most kCallLimitMs in all; none when no interface is connected.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <list>
@@ -28,6 +29,12 @@ struct OpenWifi {
             }
         }
         return nullptr;
+    }
+
+    AccessPoint* HandleOf(const AccessPoint& found)
+    {
+        const auto known = std::find(given.begin(), given.end(), found);
+        return known != given.end() ? &*known : &given.emplace_back(found);
     }
 };
 
@@ -83,8 +90,7 @@ int wifi_get_connected_ap(wifi_ap_h* ap)
     if (!wifi.open) {
         return kRefused;
     }
-    wifi.given.push_back(*found);
-    *ap = &wifi.given.back();
+    *ap = wifi.HandleOf(*found);
     return 0;
 }
 
