@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -75,18 +76,40 @@ Check CheckBluetoothd(const Bus& bus)
     }
 }
 
-Check CheckAdapter(const AdapterStatus& adapter)
+/// False when bluetoothd says that the adapter cannot be a central, which is what scans and connects. Old ones do
+/// not say anything.
+bool DoesLowEnergy(const Bus& bus, const std::string& adapterPath)
 {
+    const Reply reply =
+        bus.CallNow(BluezMethod(adapterPath, kProperties, "Get"), g_variant_new("(ss)", kAdapter, "Roles"));
+    if (!reply.Ok() || !g_variant_is_of_type(reply.values.get(), G_VARIANT_TYPE("(v)"))) {
+        return true;
+    }
+    const Variant boxed(g_variant_get_child_value(reply.values.get(), 0));
+    const Variant roles(g_variant_get_variant(boxed.get()));
+    if (!g_variant_is_of_type(roles.get(), G_VARIANT_TYPE_STRING_ARRAY)) {
+        return true;
+    }
+    const std::unique_ptr<const char*, void (*)(gpointer)> names(g_variant_get_strv(roles.get(), nullptr),
+                                                                 &g_free);
+    return g_strv_contains(names.get(), "central") != FALSE;
+}
+
+Check CheckAdapter(const Bus& bus, const AdapterStatus& adapter)
+{
+    constexpr const char* kAnother = "plug in a Bluetooth adapter that does Low Energy";
     if (!adapter.path.empty()) {
-        return {"adapter", Level::good, adapter.path.substr(adapter.path.rfind('/') + 1) + ", " + adapter.address,
-                ""};
+        const std::string found = adapter.path.substr(adapter.path.rfind('/') + 1) + ", " + adapter.address;
+        return DoesLowEnergy(bus, adapter.path)
+                   ? Check{"adapter", Level::good, found, ""}
+                   : Check{"adapter", Level::problem, found + ", does no Low Energy", kAnother};
     }
     const char* const asked = std::getenv("LYN_BT_ADAPTER");
     if (asked != nullptr && *asked != '\0') {
         return {"adapter", Level::problem,
                 std::string("LYN_BT_ADAPTER asks for ") + asked + ", which is not there", "unset LYN_BT_ADAPTER"};
     }
-    return {"adapter", Level::problem, "there is none", "plug in a Bluetooth adapter that does Low Energy"};
+    return {"adapter", Level::problem, "there is none", kAnother};
 }
 
 /// "soft" or "hard" when a switch of the machine blocks Bluetooth.
@@ -258,7 +281,7 @@ std::vector<Check> CheckMachine()
     // Whoever cannot ask bluetoothd knows nothing of its adapters.
     if (checks.back().level == Level::good) {
         const AdapterStatus adapter = Adapter::Instance().Read();
-        checks.push_back(CheckAdapter(adapter));
+        checks.push_back(CheckAdapter(*bus, adapter));
         if (!adapter.path.empty()) {
             checks.push_back(CheckPower(adapter));
         }

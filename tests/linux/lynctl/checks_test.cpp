@@ -68,6 +68,22 @@ TEST_F(ChecksTest, TellTheAdapterAndItsPower)
     EXPECT_EQ(Find("power")->level, Level::good);
 }
 
+TEST_F(ChecksTest, FindAnAdapterWithoutLowEnergy)
+{
+    bluez->OnText("/", kManager, "GetManagedObjects",
+                  "({objectpath '/org/bluez/hci0': {'org.bluez.Adapter1': {'Address': <'02:00:00:00:00:01'>, "
+                  "'Powered': <true>}}},)");
+    const auto haveRoles = [&](const char* roles) {
+        bluez->OnText("/org/bluez/hci0", "org.freedesktop.DBus.Properties", "Get", roles);
+    };
+    haveRoles("(<['central', 'peripheral']>,)");
+    EXPECT_EQ(Find("adapter")->level, Level::good);
+    haveRoles("(<@as []>,)");
+    EXPECT_EQ(Find("adapter")->level, Level::problem);
+    haveRoles("(<5>,)");
+    EXPECT_EQ(Find("adapter")->level, Level::good) << "a bluetoothd that does not say so";
+}
+
 TEST_F(ChecksTest, DoNotBlameTheAdapterForABluetoothdThatDoesNotRun)
 {
     bluez.reset();
