@@ -27,6 +27,7 @@ bool WriteToJournal(int priority, const char* tag, const std::string& text)
 {
     const auto all = JournalFieldsOf(priority, tag, text);
     std::vector<GLogField> fields;
+    fields.reserve(all.size());
     for (const auto& [name, value] : all) {
         fields.push_back({name.c_str(), value.data(), static_cast<gssize>(value.size())});
     }
