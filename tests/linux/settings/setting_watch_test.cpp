@@ -36,6 +36,14 @@ TEST_F(SettingWatchTest, TellsOfASettingThatIsMadeReplacedAndRemoved)
     EXPECT_TRUE(RunUntil([&] { return told > before; }));
 }
 
+TEST_F(SettingWatchTest, TellsOfAFirstValue)
+{
+    int told = 0;
+    const SettingWatch watch(store.FileOf("memory/a"), [&] { ++told; });
+    EXPECT_TRUE(store.WriteFirst("memory/a", 1));
+    EXPECT_TRUE(RunUntil([&] { return told > 0; }));
+}
+
 TEST_F(SettingWatchTest, TellsOfAValueWrittenInPlace)
 {
     store.Write("memory/a", 1);
