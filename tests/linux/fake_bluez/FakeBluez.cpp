@@ -13,6 +13,8 @@ constexpr const char* kDevice = "org.bluez.Device1";
 constexpr const char* kService = "org.bluez.GattService1";
 constexpr const char* kCharacteristic = "org.bluez.GattCharacteristic1";
 constexpr const char* kFailed = "org.bluez.Error.Failed";
+constexpr guint16 kPhoneCompany = 117;
+constexpr int kAdvertIntervalMs = 10;
 
 std::string AdapterPath(const std::string& name)
 {
@@ -26,12 +28,12 @@ GVariant* Bytes(const std::string& bytes)
 
 }  // namespace
 
-FakeBluez::FakeBluez() : FakeDaemon("org.bluez")
+FakeBluez::FakeBluez(std::string adapter) : FakeDaemon("org.bluez"), m_adapter(std::move(adapter))
 {
     HandleAdapters();
     HandleDevices();
     HandleCharacteristics();
-    AddAdapter("hci0", "02:00:00:00:00:10", true);
+    AddAdapter(m_adapter, "02:00:00:00:00:10", true);
     Return();
 }
 
@@ -93,7 +95,7 @@ void FakeBluez::ForgetPhone(const std::string& address)
     Remove(DevicePath(address));
     Later(5, [this] {
         if (IsDiscovering()) {
-            ShowPhonesInReach(AdapterPath("hci0"));
+            ShowPhonesInReach(AdapterPath(m_adapter));
         }
     });
 }
@@ -122,7 +124,7 @@ bool FakeBluez::IsConnected(const std::string& address) const
 
 bool FakeBluez::IsDiscovering() const
 {
-    return IsTrue(AdapterPath("hci0"), kAdapter, "Discovering");
+    return IsTrue(AdapterPath(m_adapter), kAdapter, "Discovering");
 }
 
 std::vector<std::string> FakeBluez::Written() const
@@ -137,7 +139,7 @@ std::string FakeBluez::DevicePath(const std::string& address) const
     std::string name = address;
     std::replace(name.begin(), name.end(), ':', '_');
     const auto phone = m_phones.find(address);
-    const std::string adapter = phone != m_phones.end() ? phone->second.behaviour.adapter : "hci0";
+    const std::string adapter = phone != m_phones.end() ? phone->second.behaviour.adapter : m_adapter;
     return AdapterPath(adapter) + "/dev_" + name;
 }
 
@@ -154,21 +156,14 @@ void FakeBluez::Die()
         state.connecting.clear();
         Remove(DevicePath(address));
     }
-    Set(AdapterPath("hci0"), kAdapter, "Discovering", g_variant_new_boolean(FALSE));
+    Set(AdapterPath(m_adapter), kAdapter, "Discovering", g_variant_new_boolean(FALSE));
 }
 
 void FakeBluez::HandleAdapters()
 {
     Handle("Adapter1.SetDiscoveryFilter", [this](const Call& call) { Answer(call); });
     Handle("Adapter1.StartDiscovery", [this](const Call& call) { Discover(call); });
-    Handle("Adapter1.StopDiscovery", [this](const Call& call) {
-        if (!IsTrue(call.path, kAdapter, "Discovering")) {
-            Refuse(call, kFailed, "No discovery started");
-            return;
-        }
-        Set(call.path, kAdapter, "Discovering", g_variant_new_boolean(FALSE));
-        Answer(call);
-    });
+    Handle("Adapter1.StopDiscovery", [this](const Call& call) { StopDiscovery(call); });
 }
 
 void FakeBluez::HandleDevices()
@@ -202,7 +197,49 @@ void FakeBluez::Discover(const Call& call)
     }
     Set(call.path, kAdapter, "Discovering", g_variant_new_boolean(TRUE));
     Answer(call);
+    ++m_discovery;
     ShowPhonesInReach(call.path);
+    Advertise(call.path);
+}
+
+void FakeBluez::StopDiscovery(const Call& call)
+{
+    if (!IsTrue(call.path, kAdapter, "Discovering")) {
+        Refuse(call, kFailed, "No discovery started");
+        return;
+    }
+    Set(call.path, kAdapter, "Discovering", g_variant_new_boolean(FALSE));
+    for (const auto& [address, state] : m_phones) {
+        Unset(DevicePath(address), kDevice, "RSSI");
+    }
+    Answer(call);
+}
+
+/// For as long as this discovery is on.
+void FakeBluez::Advertise(const std::string& adapterPath)
+{
+    ++m_advertRound;
+    for (const auto& [address, state] : m_phones) {
+        const FakePhone& phone = state.behaviour;
+        const bool heard = phone.inReach && AdapterPath(phone.adapter) == adapterPath && Has(DevicePath(address));
+        if (heard && !phone.adverts.empty()) {
+            Hear(phone, phone.adverts[m_advertRound % phone.adverts.size()]);
+        }
+    }
+    Later(kAdvertIntervalMs, [this, adapterPath, discovery = m_discovery] {
+        if (discovery == m_discovery && IsTrue(adapterPath, kAdapter, "Discovering")) {
+            Advertise(adapterPath);
+        }
+    });
+}
+
+void FakeBluez::Hear(const FakePhone& phone, const std::string& advert)
+{
+    GVariantBuilder companies;
+    g_variant_builder_init(&companies, G_VARIANT_TYPE("a{qv}"));
+    g_variant_builder_add(&companies, "{qv}", kPhoneCompany, Bytes(advert));
+    Set(DevicePath(phone.address), kDevice,
+        {{"RSSI", g_variant_new_int16(-50)}, {"ManufacturerData", g_variant_builder_end(&companies)}});
 }
 
 void FakeBluez::ShowPhonesInReach(const std::string& adapterPath)

@@ -23,12 +23,16 @@ struct FakePhone {
     /// Notified after the writes, one for each; the last one again for those that follow.
     std::vector<std::string> answers = {"Success"};
     std::string greeting = {};  ///< notified before StartNotify is answered, unless empty
+    /// Manufacturer data of company 117, heard in turn again and again during a discovery: as when bluetoothd gets
+    /// advertising packets and scan responses.
+    std::vector<std::string> adverts = {};
 };
 
 class FakeBluez : public FakeDaemon {
 public:
-    /// On the bus, with the adapter hci0, which is on.
-    FakeBluez();
+    /// On the bus, with one adapter, which is on. An index that no real adapter has keeps the platform from
+    /// listening to the machine's own.
+    explicit FakeBluez(std::string adapter = "hci0");
     ~FakeBluez() override;
 
     void AddAdapter(const std::string& name, const std::string& address, bool powered);
@@ -72,12 +76,18 @@ private:
     void Write(const Call& call);
     void CancelConnects(const std::string& reason);
     void ShowPhonesInReach(const std::string& adapterPath);
+    void Advertise(const std::string& adapterPath);
+    void Hear(const FakePhone& phone, const std::string& advert);
+    void StopDiscovery(const Call& call);
     void ShowDevice(const std::string& address);
     void BringUp(const std::string& address);
     void TakeDown(const std::string& address);
     /// The phone that the object or one above it stands for.
     State& PhoneAt(const std::string& path);
 
+    const std::string m_adapter;    ///< name of the first one
+    std::uint64_t m_discovery = 0;  ///< which one it is
+    std::size_t m_advertRound = 0;
     std::map<std::string, State> m_phones;
     std::vector<std::string> m_written;
 };

@@ -47,6 +47,11 @@ Treatment Treatment::Dies()
     return {"", "", false, 0, 0, true};
 }
 
+Treatment Treatment::Answers(const std::string& values)
+{
+    return {"", "", false, 1, 0, false, values};
+}
+
 /// What the service's thread has to do, and when. Outlives the service in the hands of GDBus.
 struct FakeDaemon::Inbox {
     struct Task {
@@ -239,6 +244,8 @@ void FakeDaemon::Receive(const std::shared_ptr<GDBusMessage>& message, std::uint
         Die();
     } else if (!call.treatment.error.empty()) {
         Refuse(call, call.treatment.error, call.treatment.message);
+    } else if (!call.treatment.values.empty()) {
+        Answer(call, g_variant_new_parsed(call.treatment.values.c_str()));
     } else if (call.treatment.done) {
         Dispatch(call);
     }

@@ -28,6 +28,8 @@ struct Treatment {
     int answers = 1;    ///< 0: none ever, 2: the same twice
     int delayMs = 0;    ///< of the answer
     bool dies = false;  ///< the service dies of it
+    /// Not empty: nothing is done, and this tuple in GVariant text form is the answer.
+    std::string values = {};
 
     static Treatment Fails(const std::string& error, const std::string& message = "as the test wants it");
     static Treatment Late(int ms);
@@ -35,6 +37,7 @@ struct Treatment {
     static Treatment DoneWithoutAnswer();
     static Treatment Ignored();
     static Treatment Dies();
+    static Treatment Answers(const std::string& values);
 };
 
 /// Owns a message from now on.
@@ -84,6 +87,10 @@ public:
     bool Has(const std::string& path) const;
     /// Changes a property and tells it.
     void Set(const std::string& path, const std::string& interface, const std::string& property, GVariant* value);
+    /// Changes properties and tells them in one signal.
+    void Set(const std::string& path, const std::string& interface, const Properties& properties);
+    /// Takes a property away, and says nothing.
+    void Unset(const std::string& path, const std::string& interface, const std::string& property);
     bool IsTrue(const std::string& path, const std::string& interface, const std::string& property) const;
     /// Sends any signal. A floating tuple is taken over.
     void Emit(const std::string& path, const std::string& interface, const std::string& signal, GVariant* values);
@@ -94,6 +101,8 @@ public:
     void Handle(const std::string& method, Handler handler);
     void Answer(const Call& call, GVariant* values = nullptr);
     void Refuse(const Call& call, const std::string& error, const std::string& message);
+    /// Answers with a message that was made for the call.
+    void Reply(const Call& call, const std::shared_ptr<GDBusMessage>& reply);
 
     /// Runs on the service's thread after a time, unless the service has died before.
     void Later(int ms, std::function<void()> task);
@@ -121,7 +130,6 @@ private:
     void Receive(const std::shared_ptr<GDBusMessage>& message, std::uint64_t life);
     Treatment TreatmentOf(const std::string& method);
     void Dispatch(const Call& call);
-    void Reply(const Call& call, const std::shared_ptr<GDBusMessage>& reply);
     void Send(GDBusMessage* message);
     void HandleProperties();
     static GVariant* PropertiesOf(const std::map<std::string, Value>& properties);

@@ -56,17 +56,33 @@ bool FakeDaemon::Has(const std::string& path) const
 void FakeDaemon::Set(const std::string& path, const std::string& interface, const std::string& property,
                      GVariant* value)
 {
+    Set(path, interface, {{property, value}});
+}
+
+void FakeDaemon::Set(const std::string& path, const std::string& interface, const Properties& properties)
+{
     const std::lock_guard lock(m_mutex);
-    Value owned(g_variant_ref_sink(value));
+    const auto object = m_objects.find(path);
     GVariantBuilder changed;
     g_variant_builder_init(&changed, G_VARIANT_TYPE("a{sv}"));
-    g_variant_builder_add(&changed, "{sv}", property.c_str(), owned.get());
-    const auto object = m_objects.find(path);
-    if (object != m_objects.end()) {
-        object->second[interface][property] = std::move(owned);
+    for (const auto& [name, value] : properties) {
+        Value owned(g_variant_ref_sink(value));
+        g_variant_builder_add(&changed, "{sv}", name.c_str(), owned.get());
+        if (object != m_objects.end()) {
+            object->second[interface][name] = std::move(owned);
+        }
     }
     Emit(path, kProperties, "PropertiesChanged",
          g_variant_new("(sa{sv}as)", interface.c_str(), &changed, static_cast<GVariantBuilder*>(nullptr)));
+}
+
+void FakeDaemon::Unset(const std::string& path, const std::string& interface, const std::string& property)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto object = m_objects.find(path);
+    if (object != m_objects.end()) {
+        object->second[interface].erase(property);
+    }
 }
 
 bool FakeDaemon::IsTrue(const std::string& path, const std::string& interface, const std::string& property) const
