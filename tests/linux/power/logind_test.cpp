@@ -1,79 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gio/gunixfdlist.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <memory>
-#include <mutex>
 #include <vector>
 
-#include "FakeService.h"
+#include "FakeLogind.h"
 #include "PrivateBus.h"
 #include "bus/Bus.h"
 #include "lyn_platform/power.h"
 
 namespace lyn::linux_tests {
 namespace {
-
-constexpr const char* kPath = "/org/freedesktop/login1";
-constexpr const char* kManager = "org.freedesktop.login1.Manager";
-
-/// logind, with the other ends of the delays that it has granted.
-class FakeLogind {
-public:
-    FakeLogind() : service("org.freedesktop.login1")
-    {
-        service.On(kPath, kManager, "Inhibit", [this](GDBusMessage* call) { return Grant(call); });
-    }
-    ~FakeLogind()
-    {
-        for (const int end : m_ends) {
-            ::close(end);
-        }
-    }
-    FakeLogind(const FakeLogind&) = delete;
-    FakeLogind& operator=(const FakeLogind&) = delete;
-
-    std::size_t Granted() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_ends.size();
-    }
-
-    /// How many of the granted delays are still held.
-    std::size_t Held() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return static_cast<std::size_t>(std::count_if(m_ends.begin(), m_ends.end(), [](int end) {
-            pollfd other{end, 0, 0};
-            return ::poll(&other, 1, 0) == 0;  // a hang-up would be told
-        }));
-    }
-
-    FakeService service;
-
-private:
-    GDBusMessage* Grant(GDBusMessage* call)
-    {
-        int ends[2] = {};
-        EXPECT_EQ(::pipe(ends), 0);
-        GUnixFDList* const descriptors = g_unix_fd_list_new();
-        g_unix_fd_list_append(descriptors, ends[1], nullptr);
-        ::close(ends[1]);
-        GDBusMessage* const reply = g_dbus_message_new_method_reply(call);
-        g_dbus_message_set_body(reply, g_variant_new("(h)", 0));
-        g_dbus_message_set_unix_fd_list(reply, descriptors);
-        g_object_unref(descriptors);
-        const std::lock_guard lock(m_mutex);
-        m_ends.push_back(ends[0]);
-        return reply;
-    }
-
-    mutable std::mutex m_mutex;
-    std::vector<int> m_ends;
-};
 
 class PowerTest : public ::testing::Test {
 protected:
@@ -96,10 +33,7 @@ protected:
         return 0;
     }
 
-    void PrepareForSleep(bool begins) const
-    {
-        logind->service.Signal(kPath, kManager, "PrepareForSleep", begins ? "(true,)" : "(false,)");
-    }
+    void PrepareForSleep(bool begins) const { logind->PrepareForSleep(begins); }
 
     std::unique_ptr<FakeLogind> logind = std::make_unique<FakeLogind>();
     std::vector<std::uint32_t> flags;
@@ -127,10 +61,10 @@ TEST_F(PowerTest, AShutdownIsAPowerOffEventWithoutTheFlagOfSleep)
 {
     Subscribe();
     ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
-    logind->service.Signal(kPath, kManager, "PrepareForShutdown", "(true,)");
+    logind->PrepareForShutdown(true);
     ASSERT_TRUE(RunUntil([&] { return flags.size() == 1; }));
     EXPECT_EQ(flags.front(), 0U);
-    logind->service.Signal(kPath, kManager, "PrepareForShutdown", "(false,)");
+    logind->PrepareForShutdown(false);
     RunQuietly();
     EXPECT_EQ(flags.size(), 1U) << "a shutdown that was called off";
 }
@@ -185,7 +119,7 @@ TEST_F(PowerTest, ABusThatWasAwayIsListenedToAgain)
 
 TEST_F(PowerTest, ARefusedDelayLosesNoEvent)
 {
-    logind->service.Fail(kPath, kManager, "Inhibit", "org.freedesktop.DBus.Error.AccessDenied");
+    logind->Treat("Manager.Inhibit", 0, Treatment::Fails("org.freedesktop.DBus.Error.AccessDenied"));
     Subscribe();
     RunQuietly();
     EXPECT_EQ(logind->Granted(), 0U);
@@ -213,8 +147,8 @@ TEST_F(PowerTest, ASignalWithOtherValuesIsNoSleep)
 {
     Subscribe();
     ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
-    logind->service.Signal(kPath, kManager, "PrepareForSleep", "('true',)");
-    logind->service.Signal(kPath, kManager, "PrepareForShutdown", "(1,)");
+    logind->Tell("PrepareForSleep", g_variant_new("(s)", "true"));
+    logind->Tell("PrepareForShutdown", g_variant_new("(i)", 1));
     RunQuietly();
     EXPECT_TRUE(flags.empty());
     EXPECT_EQ(device_power_get_state(), 1);

@@ -32,6 +32,15 @@ std::optional<bool> Begins(GVariant* values)
     return begins != FALSE;
 }
 
+/// The descriptor that an answer (h) names; -1 when it has none.
+int TakeDescriptor(GVariant* values, GUnixFDList* descriptors)
+{
+    gint32 index = -1;
+    g_variant_get(values, "(h)", &index);
+    const bool there = descriptors != nullptr && index >= 0 && index < g_unix_fd_list_get_length(descriptors);
+    return there ? g_unix_fd_list_get(descriptors, index, nullptr) : -1;
+}
+
 }  // namespace
 
 Logind& Logind::Instance()
@@ -126,22 +135,28 @@ void Logind::DelaySleep()
         GUnixFDList* descriptors = nullptr;
         GVariant* values = g_dbus_connection_call_with_unix_fd_list_finish(G_DBUS_CONNECTION(connection),
                                                                            &descriptors, result, nullptr);
-        if (values == nullptr) {
-            LogWarn("%s", "logind gives no time before a sleep: the TV may sleep before it has said so");
-            return;
-        }
-        g_variant_unref(values);
-        auto* const logind = static_cast<Logind*>(self);
-        logind->AllowSleep();
-        if (descriptors != nullptr) {
-            logind->m_inhibitor = g_unix_fd_list_get(descriptors, 0, nullptr);
-            g_object_unref(descriptors);
-        }
+        const int granted = values != nullptr ? TakeDescriptor(values, descriptors) : -1;
+        g_clear_pointer(&values, g_variant_unref);
+        g_clear_object(&descriptors);
+        static_cast<Logind*>(self)->OnDelayed(granted);
     };
     g_dbus_connection_call_with_unix_fd_list(
         m_bus->Connection(), kLogin, kPath, kManager, "Inhibit",
         g_variant_new("(ssss)", "sleep", "lyn_service", "tells applications of the coming sleep", "delay"),
         G_VARIANT_TYPE("(h)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimitMs, nullptr, nullptr, done, this);
+}
+
+void Logind::OnDelayed(int granted)
+{
+    if (granted < 0) {
+        LogWarn("%s", "logind gives no time before a sleep: the TV may sleep before it has said so");
+        return;
+    }
+    AllowSleep();
+    m_inhibitor = granted;
+    if (!m_awake) {
+        AllowSleep();  // The application has been told, and nothing else would end it.
+    }
 }
 
 void Logind::AllowSleep()

@@ -36,6 +36,8 @@ private:
     void Forget();
     void WakeUp();
     void DelaySleep();
+    /// @param granted descriptor that delays the sleep until it is closed; -1 when logind gives none
+    void OnDelayed(int granted);
     void AllowSleep();
     void OnPrepareForSleep(std::optional<bool> begins);
     void OnPrepareForShutdown(std::optional<bool> begins) const;
