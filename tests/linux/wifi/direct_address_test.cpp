@@ -2,63 +2,15 @@
 #include "wifi/DirectAddress.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <optional>
-#include <thread>
 
+#include "ControlSocket.h"
 #include "lyn_platform/wifi.h"
 
 namespace lyn::linux_tests {
 namespace {
-
-/// One control socket, which answers the first command with a text.
-class ControlSocket {
-public:
-    ControlSocket(const std::filesystem::path& path, std::optional<std::string> answer)
-        : m_descriptor(::socket(AF_UNIX, SOCK_DGRAM, 0))
-    {
-        sockaddr_un own{};
-        own.sun_family = AF_UNIX;
-        std::strncpy(own.sun_path, path.c_str(), sizeof own.sun_path - 1);
-        EXPECT_EQ(::bind(m_descriptor, reinterpret_cast<const sockaddr*>(&own), sizeof own), 0);
-        if (answer) {
-            m_thread = std::thread([this, text = *answer] { Answer(text); });
-        }
-    }
-    ~ControlSocket()
-    {
-        if (m_thread.joinable()) {
-            m_thread.join();
-        }
-        ::close(m_descriptor);
-    }
-    ControlSocket(const ControlSocket&) = delete;
-    ControlSocket& operator=(const ControlSocket&) = delete;
-
-    std::string Command() const { return m_command; }
-
-private:
-    void Answer(const std::string& text)
-    {
-        char buffer[64] = {};
-        sockaddr_un peer{};
-        socklen_t size = sizeof peer;
-        const ssize_t length =
-            ::recvfrom(m_descriptor, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&peer), &size);
-        m_command.assign(buffer, length > 0 ? static_cast<std::size_t>(length) : 0);
-        ::sendto(m_descriptor, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&peer), size);
-    }
-
-    int m_descriptor;
-    std::string m_command;
-    std::thread m_thread;
-};
 
 class DirectAddressTest : public ::testing::Test {
 protected:
@@ -88,25 +40,25 @@ protected:
     std::filesystem::path m_folder;
 };
 
-constexpr const char* kStatus =
-    "wpa_state=COMPLETED\np2p_device_address=02:00:00:00:01:00\naddress=02:00:00:00:00:00\n";
+const std::string& kStatus = ControlSocket::kStatus;
 
 TEST_F(DirectAddressTest, ComesFromTheControlSocket)
 {
-    ControlSocket socket(m_folder / "wlan0", kStatus);
+    const ControlSocket socket(m_folder / "wlan0");
     ASSERT_EQ(wifi_direct_initialize(), 0);
     char* mac = nullptr;
     ASSERT_EQ(wifi_direct_get_mac_address(&mac), 0);
     EXPECT_STREQ(mac, "02:00:00:00:01:00");
     std::free(mac);
     EXPECT_EQ(wifi_direct_deinitialize(), 0);
-    EXPECT_EQ(socket.Command(), "STATUS");
+    EXPECT_EQ(socket.Commands(), std::vector<std::string>{"STATUS"});
 }
 
 TEST_F(DirectAddressTest, ComesFromTheInterfaceThatHasOne)
 {
-    const ControlSocket first(m_folder / "eth0", "wpa_state=INACTIVE\n");
-    const ControlSocket second(m_folder / "wlan0", kStatus);
+    ControlSocket first(m_folder / "eth0");
+    first.AnswerWith({"wpa_state=INACTIVE\n"});
+    const ControlSocket second(m_folder / "wlan0");
     EXPECT_EQ(linux_platform::ReadDirectAddress(), "02:00:00:00:01:00");
 }
 
@@ -124,22 +76,9 @@ TEST_F(DirectAddressTest, IsMissingWithoutControlSockets)
 
 TEST_F(DirectAddressTest, IsMissingWhenTheStatusHasNone)
 {
-    const ControlSocket socket(m_folder / "wlan0", "wpa_state=COMPLETED\n");
+    ControlSocket socket(m_folder / "wlan0");
+    socket.AnswerWith({"wpa_state=COMPLETED\n"});
     EXPECT_EQ(Failure(), m_folder.string() + ": wlan0: has no Wi-Fi Direct");
-}
-
-TEST_F(DirectAddressTest, IsMissingWhenNobodyListensAtTheSocket)
-{
-    {
-        const ControlSocket socket(m_folder / "wlan0", std::nullopt);
-    }
-    EXPECT_EQ(Failure(), m_folder.string() + ": wlan0: Connection refused");
-}
-
-TEST_F(DirectAddressTest, IsGivenUpWhenNoAnswerComes)
-{
-    const ControlSocket socket(m_folder / "wlan0", std::nullopt);
-    EXPECT_EQ(Failure(), m_folder.string() + ": wlan0: Connection timed out");
 }
 
 TEST(DirectAddressIn, IsAWholeLineOfTheStatus)

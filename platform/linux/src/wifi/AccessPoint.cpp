@@ -27,6 +27,8 @@ public:
         return left > 1 ? static_cast<int>(left) : 1;
     }
 
+    bool IsOver() const { return g_get_monotonic_time() >= m_end; }
+
 private:
     gint64 m_end = g_get_monotonic_time() + gint64{kCallLimitMs} * 1000;
 };
@@ -81,7 +83,7 @@ std::optional<AccessPoint> FindConnectedAccessPoint()
     const Variant root = bus != nullptr ? PropertiesOf(*bus, kRoot, kSupplicant, deadline) : nullptr;
     const Variant interfaces = root ? Lookup(root.get(), "Interfaces", "ao") : nullptr;
     const gsize count = interfaces ? g_variant_n_children(interfaces.get()) : 0;
-    for (gsize i = 0; i < count; ++i) {
+    for (gsize i = 0; i < count && !deadline.IsOver(); ++i) {
         const Variant interface(g_variant_get_child_value(interfaces.get(), i));
         auto found = AccessPointOf(*bus, g_variant_get_string(interface.get(), nullptr), deadline);
         if (found) {

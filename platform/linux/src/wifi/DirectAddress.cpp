@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -27,6 +28,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kKey = "p2p_device_address=";
+constexpr std::size_t kAddressLength = 17;
 
 class Socket {
 public:
@@ -66,8 +68,24 @@ bool ConnectTo(int socket, const std::string& path)
     return ::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0;
 }
 
-/// The answer to STATUS of one control socket; empty, with errno set, when there is none.
-std::string AskForStatus(const std::string& path, int limitMs)
+/// False, with errno set, when none comes until then.
+bool WaitForAnswer(int socket, gint64 end)
+{
+    pollfd answer{socket, POLLIN, 0};
+    int ready = 0;
+    do {
+        const auto leftMs = std::max<gint64>((end - g_get_monotonic_time()) / 1000, 1);
+        ready = ::poll(&answer, 1, static_cast<int>(leftMs));
+        // A signal to the application is no answer.
+    } while (ready < 0 && errno == EINTR && g_get_monotonic_time() < end);
+    if (ready != 1) {
+        errno = ETIMEDOUT;
+    }
+    return ready == 1;
+}
+
+/// The answer to STATUS of one control socket; empty, with errno set, when there is none until then.
+std::string AskForStatus(const std::string& path, gint64 end)
 {
     constexpr const char* kCommand = "STATUS";
     const Socket socket;
@@ -75,13 +93,14 @@ std::string AskForStatus(const std::string& path, int limitMs)
         ::send(socket.Descriptor(), kCommand, std::strlen(kCommand), MSG_DONTWAIT) < 0) {
         return {};
     }
-    pollfd answer{socket.Descriptor(), POLLIN, 0};
-    if (::poll(&answer, 1, limitMs) != 1) {
-        errno = ETIMEDOUT;
+    if (!WaitForAnswer(socket.Descriptor(), end)) {
         return {};
     }
     std::array<char, 4096> text{};
     const ssize_t length = ::recv(socket.Descriptor(), text.data(), text.size(), MSG_DONTWAIT);
+    if (length == 0) {
+        errno = ENODATA;
+    }
     return length > 0 ? std::string(text.data(), static_cast<std::size_t>(length)) : std::string();
 }
 
@@ -104,13 +123,24 @@ std::vector<fs::path> ControlSockets(const fs::path& folder)
     return sockets;
 }
 
+bool IsAddress(const std::string& text)
+{
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i % 3 == 2 ? text[i] != ':' : kDigits.find(text[i]) == std::string_view::npos) {
+            return false;
+        }
+    }
+    return text.size() == kAddressLength;
+}
+
 }  // namespace
 
 std::string DirectAddressIn(const std::string& status)
 {
     std::istringstream lines(status);
     for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with(kKey)) {
+        if (line.starts_with(kKey) && IsAddress(line.substr(std::strlen(kKey)))) {
             return line.substr(std::strlen(kKey));
         }
     }
@@ -123,8 +153,7 @@ std::string ReadDirectAddress()
     std::string reason = "holds no control socket of wpa_supplicant";
     const gint64 end = g_get_monotonic_time() + gint64{kCallLimitMs} * 1000;
     for (const fs::path& socket : ControlSockets(folder)) {
-        const auto leftMs = static_cast<int>(std::max<gint64>((end - g_get_monotonic_time()) / 1000, 1));
-        const std::string status = AskForStatus(socket.string(), leftMs);
+        const std::string status = AskForStatus(socket.string(), end);
         std::string address = DirectAddressIn(status);
         if (!address.empty()) {
             return address;
