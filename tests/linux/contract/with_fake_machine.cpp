@@ -6,9 +6,6 @@
 #include <glib.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 #include <string>
 
 #include "ControlSocket.h"
@@ -16,39 +13,13 @@
 #include "FakeLogind.h"
 #include "FakeSupplicant.h"
 #include "PrivateBus.h"
+#include "TemporaryFolder.h"
 
 namespace lyn::linux_tests {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// No real adapter has this index: the platform must not listen to the machine's own.
 constexpr const char* kAdapter = "hci64000";
-
-class Folder {
-public:
-    Folder()
-    {
-        std::string name = fs::temp_directory_path() / "lyn-machine-XXXXXX";
-        if (::mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_path = name;
-    }
-    ~Folder() { fs::remove_all(m_path); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    fs::path Make(const char* name, const char* variable) const
-    {
-        fs::create_directory(m_path / name);
-        ::setenv(variable, (m_path / name).c_str(), 1);
-        return m_path / name;
-    }
-
-private:
-    fs::path m_path;
-};
 
 FakePhone UsualPhone()
 {
@@ -76,7 +47,7 @@ int Run(char** command)
 int RunOnFakeMachine(char** command)
 {
     PrivateBus::Instance();
-    const Folder folder;
+    const TemporaryFolder folder;
     folder.Make("state", "LYN_STATE_DIR");
     folder.Make("run", "LYN_RUNTIME_DIR");
     const ControlSocket control(folder.Make("wpa", "LYN_WPA_CTRL_DIR") / "wlan0");
