@@ -33,7 +33,6 @@ using namespace lyn::linux_platform;
 constexpr int kWantedMtu = 256;
 constexpr int kNetRaw = 13;  // the bit of CAP_NET_RAW
 constexpr const char* kSettings = "settings";
-constexpr const char* kMainConf = "/etc/bluetooth/main.conf";
 
 std::string ContentOf(const fs::path& file)
 {
@@ -113,11 +112,10 @@ Check CheckAdapter(const Bus& bus, const AdapterStatus& adapter)
 }
 
 /// "soft" or "hard" when a switch of the machine blocks Bluetooth.
-std::optional<std::string> BluetoothBlock()
+std::optional<std::string> BluetoothBlock(const fs::path& switches)
 {
     std::error_code error;
-    for (fs::directory_iterator entry("/sys/class/rfkill", error), end; !error && entry != end;
-         entry.increment(error)) {
+    for (fs::directory_iterator entry(switches, error), end; !error && entry != end; entry.increment(error)) {
         if (FirstLineOf(entry->path() / "type") != "bluetooth") {
             continue;
         }
@@ -130,12 +128,12 @@ std::optional<std::string> BluetoothBlock()
     return std::nullopt;
 }
 
-Check CheckPower(const AdapterStatus& adapter)
+Check CheckPower(const AdapterStatus& adapter, const fs::path& switches)
 {
     if (adapter.powered) {
         return {"power", Level::good, "the adapter is on", ""};
     }
-    const auto block = BluetoothBlock();
+    const auto block = BluetoothBlock(switches);
     if (block == "hard") {
         return {"power", Level::problem, "a switch of the machine keeps Bluetooth off", "turn that switch on"};
     }
@@ -145,9 +143,9 @@ Check CheckPower(const AdapterStatus& adapter)
     return {"power", Level::problem, "the adapter is off", "bluetoothctl power on"};
 }
 
-Check CheckRights()
+Check CheckRights(const fs::path& process)
 {
-    std::istringstream status(ContentOf("/proc/self/status"));
+    std::istringstream status(ContentOf(process));
     std::uint64_t effective = 0;
     for (std::string line; std::getline(status, line);) {
         if (line.rfind("CapEff:", 0) == 0) {
@@ -163,13 +161,13 @@ Check CheckRights()
             "sudo setcap cap_net_raw+ep " + self.string()};
 }
 
-Check CheckMtu()
+Check CheckMtu(const fs::path& mainConf)
 {
-    const int mtu = ExchangeMtuIn(ContentOf(kMainConf));
+    const int mtu = ExchangeMtuIn(ContentOf(mainConf));
     if (mtu == 0) {
         return {"MTU", Level::good, "bluetoothd's own (517)", ""};
     }
-    const std::string found = std::string(kMainConf) + " says ExchangeMTU = " + std::to_string(mtu);
+    const std::string found = mainConf.string() + " says ExchangeMTU = " + std::to_string(mtu);
     if (mtu >= kWantedMtu) {
         return {"MTU", Level::good, found, ""};
     }
@@ -202,6 +200,7 @@ Check CheckDirectAddress()
 fs::path Existing(fs::path folder)
 {
     std::error_code error;
+    folder = fs::absolute(folder, error);
     while (!fs::exists(folder, error) && folder.has_relative_path()) {
         folder = folder.parent_path();
     }
@@ -271,7 +270,7 @@ int ExchangeMtuIn(const std::string& mainConf)
     return mtu;
 }
 
-std::vector<Check> CheckMachine()
+std::vector<Check> CheckMachine(const Places& places)
 {
     const auto bus = Bus::System();
     std::vector<Check> checks = {CheckBus(bus.get())};
@@ -283,10 +282,12 @@ std::vector<Check> CheckMachine()
         const AdapterStatus adapter = Adapter::Instance().Read();
         checks.push_back(CheckAdapter(*bus, adapter));
         if (!adapter.path.empty()) {
-            checks.push_back(CheckPower(adapter));
+            checks.push_back(CheckPower(adapter, places.switches));
         }
     }
-    for (const auto check : {CheckRights, CheckMtu, CheckAccessPoint, CheckDirectAddress, CheckSettings}) {
+    checks.push_back(CheckRights(places.process));
+    checks.push_back(CheckMtu(places.mainConf));
+    for (const auto check : {CheckAccessPoint, CheckDirectAddress, CheckSettings}) {
         checks.push_back(check());
     }
     return checks;

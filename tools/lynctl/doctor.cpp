@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <glib.h>
+
 #include <algorithm>
 
 #include "checks.h"
@@ -58,10 +60,9 @@ void ShowSummary(long problems, long notes)
           ", " + counted(notes, "note") + ")\n");
 }
 
-void PrintJsonCheck(const Check& check)
+void PrintJsonCheck(const Check& check, double seconds)
 {
-    Json::Value line;
-    line["event"] = "check";
+    Json::Value line = Event("check", seconds);
     line["check"] = check.name;
     line["level"] = ShownAs(check.level).word;
     line["found"] = check.found;
@@ -73,18 +74,19 @@ void PrintJsonCheck(const Check& check)
 
 int Doctor(const Arguments& arguments)
 {
+    const gint64 begin = g_get_monotonic_time();
     const auto checks = CheckMachine();
+    const double seconds = static_cast<double>(g_get_monotonic_time() - begin) / G_USEC_PER_SEC;
     const auto count = [&](Level level) {
         return std::count_if(checks.begin(), checks.end(),
                              [&](const Check& check) { return check.level == level; });
     };
     for (const Check& check : checks) {
-        arguments.json ? PrintJsonCheck(check) : ShowCheck(check);
+        arguments.json ? PrintJsonCheck(check, seconds) : ShowCheck(check);
     }
     const auto problems = count(Level::problem);
     if (arguments.json) {
-        Json::Value line;
-        line["event"] = "summary";
+        Json::Value line = Event("summary", seconds);
         line["problems"] = static_cast<Json::Int64>(problems);
         line["notes"] = static_cast<Json::Int64>(count(Level::note));
         PrintJson(line);
