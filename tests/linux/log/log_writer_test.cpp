@@ -2,47 +2,22 @@
 #include "log/LogWriter.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "LogText.h"
+#include "FakeJournal.h"
 #include "log/Log.h"
 
 namespace lyn::linux_platform {
 namespace {
 
-/// What a new process, in which the log has not been used yet, writes to its standard error.
 std::string StandardErrorOf(const char* level, const std::function<void()>& work)
 {
-    int ends[2] = {};
-    EXPECT_EQ(::pipe(ends), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::dup2(ends[1], STDERR_FILENO);
-        ::setenv("LYN_LOG_TARGET", "stderr", 1);
-        ::setenv("LYN_LOG_LEVEL", level, 1);
-        work();
-        std::fflush(stderr);
-        ::_exit(0);
-    }
-    ::close(ends[1]);
-    std::string text;
-    char buffer[512];
-    for (ssize_t count = 0; (count = ::read(ends[0], buffer, sizeof buffer)) > 0;) {
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    ::close(ends[0]);
-    int status = 0;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-    return text;
+    return linux_tests::StandardErrorOf({{"LYN_LOG_TARGET", "stderr"}, {"LYN_LOG_LEVEL", level}}, work);
 }
 
 TEST(LogWriter, WritesLevelTagAndText)
