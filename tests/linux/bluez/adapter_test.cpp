@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "FakeService.h"
@@ -244,6 +245,62 @@ TEST_F(AdapterTest, IsNotThereWhenTheAnswerIsNonsense)
     Have("objectpath '/org/bluez/hci0': {'org.bluez.Adapter1': {'Address': <5>, 'Powered': <'yes'>}}");
     EXPECT_EQ(Address(), "none");
     EXPECT_EQ(State(), BT_ADAPTER_DISABLED);
+}
+
+TEST_F(AdapterTest, IsNotLostToSignalsThatAreNonsense)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    for (const char* const name : {"InterfacesAdded", "InterfacesRemoved"}) {
+        for (const char* const values : {"()", "(5,)", "('text',)", "(@o '/org/bluez/hci0',)", "(true, false)"}) {
+            bluez->Signal("/", kManager, name, values);
+        }
+    }
+    bluez->Signal("/org/bluez/hci0", kProperties, "PropertiesChanged", "('org.bluez.Adapter1', 5)");
+    RunQuietly();
+    EXPECT_TRUE(states.empty());
+    EXPECT_EQ(Address(), kOn);
+}
+
+TEST_F(AdapterTest, MayBeAskedForOnSeveralThreadsWhileItChanges)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([] {
+            for (int round = 0; round < 20; ++round) {
+                EXPECT_EQ(bt_product_init(), 0);
+                EXPECT_EQ(Address(), kOn);
+                EXPECT_EQ(linux_platform::Adapter::Instance().Known().address, kOn);
+            }
+        });
+    }
+    for (int i = 0; i < 20; ++i) {
+        Have(One("hci0", kOn, i % 2 == 0));
+        TellChange();
+        bt_adapter_unset_state_changed_cb();
+        ASSERT_EQ(bt_adapter_set_state_changed_cb(&AdapterTest::OnState, this), 0);
+        RunQuietly(5);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST_F(AdapterTest, DoesNotLookAtPhonesThatComeAndGo)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    const auto before = bluez->Calls().size();
+    for (int i = 0; i < 10; ++i) {
+        bluez->Signal("/", kManager, "InterfacesAdded",
+                      "(@o '/org/bluez/hci0/dev_A0_00_00_00_00_01', @a{sa{sv}} {})");
+        bluez->Signal("/", kManager, "InterfacesRemoved",
+                      "(@o '/org/bluez/hci0/dev_A0_00_00_00_00_01', ['org.bluez.Device1'])");
+    }
+    RunQuietly();
+    EXPECT_EQ(bluez->Calls().size(), before);
 }
 
 TEST_F(AdapterTest, NeedsAPlaceForItsAnswers)
