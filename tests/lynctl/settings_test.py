@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 """lynctl settings: get, set and watch, on folders of their own."""
 
+import concurrent.futures
 import json
 import os
+import re
 import subprocess
 import tempfile
 import time
@@ -84,6 +86,56 @@ class Settings(unittest.TestCase):
             rest = watch.communicate(timeout=60)[0]
         self.assertEqual(json.loads(rest)["changes"], 2)
         self.assertEqual(watch.returncode, 0)
+
+    def test_writers_at_once_lose_nothing(self):
+        def write(writer):
+            for number in range(8):
+                for key in (f"db/own/{writer}", "db/shared/of_all"):
+                    self.assertEqual(self.run_it("set", key, f"{writer} {number} " + "x" * 2000).returncode, 0)
+
+        with concurrent.futures.ThreadPoolExecutor(4) as pool:
+            writers = [pool.submit(write, writer) for writer in range(4)]
+            values = {f"{writer} {number} " + "x" * 2000 for writer in range(4) for number in range(8)}
+            while not all(writer.done() for writer in writers):
+                seen = self.run_it("get", "db/shared/of_all")
+                self.assertIn(seen.stdout.rstrip("\n"), values | {""}, "a part of a value")
+            for writer in writers:
+                writer.result()
+        for writer in range(4):
+            self.assertTrue(self.run_it("get", f"db/own/{writer}").stdout.startswith(f"{writer} 7 "))
+        self.assertTrue(re.match("[0-3] 7 ", self.run_it("get", "db/shared/of_all").stdout))
+        files = [name for _, _, names in os.walk(self.folder.name) for name in names]
+        self.assertEqual(sorted(files), ["0", "1", "2", "3", "of_all"])
+
+    def test_watch_sees_the_last_of_many_changes(self):
+        watch = subprocess.Popen([LYNCTL, "settings", "watch", KEY, "--json"], env=self.environment,
+                                 stdout=subprocess.PIPE, text=True)
+        try:
+            self.assertFalse(json.loads(watch.stdout.readline())["set"])
+            for number in range(1, 11):
+                self.run_it("set", KEY, str(number))
+            shown = [0]
+            while shown[-1] != 10:
+                shown.append(json.loads(watch.stdout.readline())["value"])
+            os.remove(f"{self.folder.name}/run/{KEY}")
+            self.assertFalse(json.loads(watch.stdout.readline())["set"])
+        finally:
+            watch.kill()
+            watch.communicate(timeout=60)
+        self.assertEqual(shown, sorted(set(shown)), "each change once, in its order")
+
+    def test_a_value_of_several_lines_is_refused_and_the_old_one_kept(self):
+        self.run_it("set", KEY, "100")
+        got = self.run_it("set", KEY, "first\nsecond")
+        self.assertEqual((got.returncode, got.stderr), (2, "lynctl: a setting is one line of text\n"))
+        self.assertEqual(self.run_it("get", KEY).stdout, "100\n")
+
+    def test_a_setting_that_cannot_be_written_is_named(self):
+        with open(f"{self.folder.name}/run", "w", encoding="utf-8") as file:
+            file.write("in the way")
+        got = self.run_it("set", KEY, "100")
+        self.assertEqual(got.returncode, 1)
+        self.assertIn(f"lynctl: {self.folder.name}/run/", got.stderr)
 
     def test_watch_ends_after_its_seconds(self):
         begin = time.monotonic()

@@ -3,6 +3,8 @@
 // What reaches the journal, field by field.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "FakeJournal.h"
 #include "log/Log.h"
 #include "lyn_platform/log.h"
@@ -125,6 +127,31 @@ TEST(Journal, IsReplacedByStandardErrorWhereThereIsNone)
          {" D/LYN_SERVICE: priority 3\n", " I/LYN_SERVICE: priority 4\n", " W/LYN_SERVICE: priority 5\n",
           " E/LYN_SERVICE: priority 6\n", " E/LYN_SERVICE: priority 7\n", " I/: no\\x0Atag\n"}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
+    }
+}
+
+TEST(StandardError, GetsTheLinesOfSeveralThreadsWhole)
+{
+    const std::string text = StandardErrorOf({{"LYN_LOG_LEVEL", "info"}, {"LYN_LOG_TARGET", "stderr"}}, [] {
+        std::vector<std::thread> threads;
+        for (const char letter : {'a', 'b', 'c'}) {
+            threads.emplace_back([letter] {
+                for (int i = 0; i < 50; ++i) {
+                    linux_platform::LogInfo("%s.", std::string(200, letter).c_str());
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    });
+    for (const char letter : {'a', 'b', 'c'}) {
+        const std::string line = " I/LYN_PLATFORM: " + std::string(200, letter) + ".\n";
+        std::size_t count = 0;
+        for (std::size_t at = 0; (at = text.find(line, at)) != std::string::npos; at += line.size()) {
+            ++count;
+        }
+        EXPECT_EQ(count, 50U) << letter;
     }
 }
 

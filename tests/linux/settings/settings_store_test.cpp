@@ -137,6 +137,19 @@ TEST_F(StoreTest, LetsReadersSeeOneOfTheValuesOfManyWriters)
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "run/memory"), {}), 1) << "files left behind";
 }
 
+TEST_F(StoreTest, WritesWhatIsAbsentAndNothingOverWhatIsThere)
+{
+    EXPECT_TRUE(store.WriteFirst("db/a", 1));
+    EXPECT_FALSE(store.WriteFirst("db/a", 2));
+    EXPECT_EQ(store.Read("db/a"), Setting(1));
+    const auto files = std::distance(std::filesystem::directory_iterator(store.FileOf("db/a").parent_path()), {});
+    EXPECT_EQ(files, 1) << "a file that was being written is left";
+    EXPECT_EQ(std::filesystem::hard_link_count(store.FileOf("db/a")), 1U);
+    EXPECT_THROW(store.WriteFirst("db/b", std::string("two\nlines")), std::invalid_argument);
+    PutFile("db/file", "int 1\n");
+    EXPECT_THROW(store.WriteFirst("db/file/below", 1), std::runtime_error);
+}
+
 TEST(Defaults, NameTheTvAfterItsHost)
 {
     char host[256] = {};
