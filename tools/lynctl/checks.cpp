@@ -214,7 +214,8 @@ std::optional<Check> WhatKeepsFromWriting(const SettingsStore& store, const char
     const fs::path deepest = Existing(folder);
     std::error_code error;
     if (!fs::is_directory(deepest, error)) {
-        return Check{kSettings, Level::problem, deepest.string() + " is no folder", "rm " + deepest.string()};
+        return Check{kSettings, Level::problem, deepest.string() + " is no folder",
+                     "mv " + deepest.string() + " " + deepest.string() + ".old"};
     }
     if (::access(deepest.c_str(), W_OK) != 0) {
         return Check{kSettings, Level::problem, deepest.string() + " cannot be written",

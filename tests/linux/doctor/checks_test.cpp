@@ -97,8 +97,8 @@ TEST_F(Checks, BluetoothdThatDoesNotServeThisUserIsNoMissingAdapter)
 {
     bluez->Treat(kObjects, 0,
                  Treatment::Fails("org.freedesktop.DBus.Error.AccessDenied", "Rejected send message"));
-    const Check wanted{"bluetoothd", Level::problem, "does not serve this user: Rejected send message",
-                       "sudo usermod -aG bluetooth $USER, and log in again"};
+    const Check wanted{"bluetoothd", Level::problem, "does not let this user in",
+                       "sudo usermod -aG bluetooth $USER, and log in again; or run as a system service"};
     EXPECT_EQ(The("bluetoothd"), wanted);
     EXPECT_EQ(The("adapter").name, "");
 }
@@ -106,10 +106,9 @@ TEST_F(Checks, BluetoothdThatDoesNotServeThisUserIsNoMissingAdapter)
 TEST_F(Checks, BluetoothdThatDoesNotAnswerIsRestarted)
 {
     bluez->Treat(kObjects, 0, Treatment::Ignored());
-    const Check found = The("bluetoothd");
-    EXPECT_EQ(found.level, Level::problem);
-    EXPECT_EQ(found.found.rfind("does not answer: ", 0), 0U) << found.found;
-    EXPECT_EQ(found.mend, "sudo systemctl restart bluetooth");
+    const Check wanted{"bluetoothd", Level::problem, "does not answer", "sudo systemctl restart bluetooth"};
+    EXPECT_EQ(The("bluetoothd"), wanted);
+    EXPECT_EQ(The("adapter").name, "");
 }
 
 TEST_F(Checks, AnAdapterIsMissing)
@@ -225,7 +224,7 @@ TEST_F(Checks, AFileInTheWayOfTheSettingsIsNamed)
 {
     Put("file", "x");
     const std::string file = (folder.Path() / "file").string();
-    const Check wanted{"settings", Level::problem, file + " is no folder", "move that file away"};
+    const Check wanted{"settings", Level::problem, file + " is no folder", "mv " + file + " " + file + ".old"};
     ::setenv("LYN_STATE_DIR", file.c_str(), 1);
     EXPECT_EQ(The("settings"), wanted);
     ::setenv("LYN_STATE_DIR", (file + "/below/it").c_str(), 1);

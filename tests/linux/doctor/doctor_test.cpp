@@ -134,7 +134,7 @@ TEST_F(Doctor, WithoutABusTheRestIsCheckedAllTheSame)
     EXPECT_EQ(result.status, 1);
     auto levels = Levels(result.output);
     EXPECT_EQ(levels["system bus"], "problem");
-    EXPECT_EQ(levels["bluetoothd"], "problem");
+    EXPECT_EQ(levels.count("bluetoothd"), 0U) << "nobody knows";
     EXPECT_EQ(levels["Wi-Fi Direct"], "good");
     EXPECT_EQ(levels["settings"], "good");
     EXPECT_NE(result.output.find("sudo systemctl start dbus"), std::string::npos);

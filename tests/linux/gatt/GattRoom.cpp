@@ -21,13 +21,7 @@ GattRoom::GattRoom()
 {
     PrivateBus::Instance();
     ::setenv("LYN_LOG_TARGET", "stderr", 1);
-    TimeLimits() = {.connect = 300,
-                    .strangersLink = 60,
-                    .takeDown = 200,
-                    .secondLook = 20,
-                    .startNotify = 200,
-                    .write = 200,
-                    .readMtu = 200};
+    UseLongLimits();
     bluez = std::make_unique<FakeBluez>();
     bluez->AddPhone(phone);
     EXPECT_EQ(bt_product_init(), 0);
@@ -47,6 +41,28 @@ GattRoom::~GattRoom()
     bluez.reset();  // And with it all links.
     WaitForAdapter(false);
     EXPECT_TRUE(RunUntil([] { return g_main_context_pending(nullptr) == FALSE; }));
+}
+
+void GattRoom::UseLongLimits()
+{
+    constexpr int kNeverReached = 20'000;
+    TimeLimits() = {.connect = kNeverReached,
+                    .strangersLink = 50,
+                    .takeDown = kNeverReached,
+                    .secondLook = 10,
+                    .startNotify = kNeverReached,
+                    .write = kNeverReached,
+                    .readMtu = kNeverReached};
+}
+
+void GattRoom::UseShortLimits()
+{
+    UseLongLimits();
+    TimeLimits().connect = 250;
+    TimeLimits().takeDown = 150;
+    TimeLimits().startNotify = 150;
+    TimeLimits().write = 150;
+    TimeLimits().readMtu = 150;
 }
 
 void GattRoom::WaitForAdapter(bool powered)

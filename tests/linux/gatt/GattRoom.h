@@ -36,6 +36,11 @@ protected:
     GattRoom();
     ~GattRoom() override;
 
+    /// For everything that must succeed, however busy the machine is. In force at the beginning.
+    static void UseLongLimits();
+    /// For what must end because its time is over.
+    static void UseShortLimits();
+
     /// Waits until the platform has seen which adapter there is.
     static void WaitForAdapter(bool powered);
     /// Registers for link reports, which are kept from then on.

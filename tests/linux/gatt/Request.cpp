@@ -5,12 +5,6 @@
 
 namespace lyn::linux_tests {
 
-namespace {
-
-constexpr int kAnswerMs = 800;  // Longer than each of the room's limits.
-
-}  // namespace
-
 Request::Request()
 {
     const auto onReport = [](int result, bool connected, const char*, void* data) {
@@ -33,13 +27,13 @@ Request::~Request()
     bt_gatt_unset_connection_state_changed_cb();
 }
 
-std::string Request::Run()
+std::string Request::Run(int answerMs)
 {
     if (bt_gatt_connect(kPhone, false) != 0) {
         return "connect refused";
     }
     EXPECT_TRUE(RunUntil([&] { return connectReports == 1; })) << "no report of the connect";
-    const gint64 late = g_get_monotonic_time() + gint64{kAnswerMs} * 1000;
+    const gint64 late = g_get_monotonic_time() + gint64{answerMs} * 1000;
     RunUntil([&] { return !m_results.empty() || g_get_monotonic_time() > late; });
     if (m_results.empty()) {
         End("no answer");

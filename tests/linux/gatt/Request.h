@@ -17,8 +17,9 @@ public:
     Request(const Request&) = delete;
     Request& operator=(const Request&) = delete;
 
-    /// Runs it, until the link is down or no more is to come. @return the phone's answer, or why there is none.
-    std::string Run();
+    /// Runs it, until the link is down or no more is to come: an answer is waited for so long. @return the phone's
+    /// answer, or why there is none.
+    std::string Run(int answerMs);
 
     int connectReports = 0;  ///< ends of the one connect
     int endReports = 0;      ///< of the link

@@ -5,6 +5,7 @@
 
 #include "Codes.h"
 #include "GattRoom.h"
+#include "bluez/Adapter.h"
 
 namespace lyn::linux_tests {
 namespace {
@@ -33,6 +34,7 @@ protected:
     }
     void ConnectsAgain()
     {
+        UseLongLimits();
         reports.clear();
         bluez->TreatWell();
         bluez->ChangePhone({});
@@ -146,7 +148,6 @@ TEST_F(LinuxLink, ThatAnotherProgramHoldsServesAsWell)
 TEST_F(LinuxLink, ThatAnotherProgramGivesUpIsNotJoined)
 {
     TimeLimits().strangersLink = 10'000;
-    TimeLimits().connect = 10'000;
     bluez->ConnectByAnother(kPhone);
     EXPECT_EQ(Begin(), 0);
     ASSERT_TRUE(RunUntil([&] { return bluez->Count("Properties.GetAll") == 1; }));
@@ -258,7 +259,7 @@ TEST_F(LinuxLink, APhoneIsConnectedWhereTheAdapterInUseSeesIt)
 {
     bluez->AddAdapter("hci1", "02:00:00:00:00:11", true);
     bluez->SetPowered("hci0", false);
-    WaitForAdapter(true);
+    ASSERT_TRUE(RunUntil([] { return Adapter::Instance().Known().path == "/org/bluez/hci1"; }));
     bluez->AddPhone({.address = "A0:00:00:00:00:02", .adapter = "hci1"});
     Register();
     ASSERT_EQ(bt_gatt_connect("A0:00:00:00:00:02", false), 0);

@@ -10,21 +10,11 @@
 namespace lyn::linux_tests {
 namespace {
 
-using linux_platform::TimeLimits;
+constexpr int kAnswerMs = 800;  // Longer than each of the short limits.
+constexpr int kPatienceMs = 20'000;
 
 class LinuxSweep : public GattRoom {
 protected:
-    void SetUp() override
-    {
-        TimeLimits() = {.connect = 250,
-                        .strangersLink = 50,
-                        .takeDown = 150,
-                        .secondLook = 10,
-                        .startNotify = 150,
-                        .write = 150,
-                        .readMtu = 150};
-    }
-
     std::vector<Step> StepsOfARequest(bool forgotten)
     {
         bluez->Forget();
@@ -44,8 +34,9 @@ protected:
         if (forgotten) {
             bluez->ForgetPhone(kPhone);
         }
+        expected.empty() ? UseShortLimits() : UseLongLimits();
         Request request;
-        const std::string result = request.Run();
+        const std::string result = request.Run(expected.empty() ? kAnswerMs : kPatienceMs);
         if (!expected.empty()) {
             EXPECT_EQ(result, expected);
         }

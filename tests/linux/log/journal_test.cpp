@@ -51,12 +51,12 @@ TEST(Journal, GetsALineWithoutAPlaceAsItIs)
               (Fields{{"MESSAGE", "3 phones"}, {"PRIORITY", "4"}, {"SYSLOG_IDENTIFIER", "LYN_PLATFORM"}}));
 }
 
-TEST(Journal, GetsNewlinesAndControlCharactersUnchangedAndNoFieldByThem)
+TEST(Journal, GetsNewlinesAndControlCharactersWrittenOutAndNoFieldByThem)
 {
     const std::string text = "first\nPRIORITY=0\n\x1b[31m\tsecond\n";
     const auto entries = EntriesOf([&] { platform_log_print(0, 6, "LYN_SERVICE", "%s", text.c_str()); });
     ASSERT_EQ(entries.size(), 1U);
-    EXPECT_EQ(entries[0].Value("MESSAGE"), text);
+    EXPECT_EQ(entries[0].Value("MESSAGE"), "first\\x0aPRIORITY=0\\x0a\\x1b[31m\\x09second\\x0a");
     EXPECT_EQ(entries[0].Value("PRIORITY"), "3");
     EXPECT_EQ(entries[0].fields.size(), 3U);
 }
@@ -125,7 +125,7 @@ TEST(Journal, IsReplacedByStandardErrorWhereThereIsNone)
     });
     for (const char* const line :
          {" D/LYN_SERVICE: priority 3\n", " I/LYN_SERVICE: priority 4\n", " W/LYN_SERVICE: priority 5\n",
-          " E/LYN_SERVICE: priority 6\n", " E/LYN_SERVICE: priority 7\n", " I/: no\\x0Atag\n"}) {
+          " E/LYN_SERVICE: priority 6\n", " E/LYN_SERVICE: priority 7\n", " I/: no\\x0atag\n"}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
     }
 }

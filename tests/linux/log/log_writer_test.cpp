@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "LogText.h"
 #include "FakeJournal.h"
+#include "LogText.h"
 #include "log/Log.h"
 
 namespace lyn::linux_platform {

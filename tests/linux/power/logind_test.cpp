@@ -136,7 +136,7 @@ TEST_F(PowerTest, ASignalWithOtherValuesIsNoWakingEither)
     ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
     PrepareForSleep(true);
     ASSERT_TRUE(RunUntil([&] { return logind->Held() == 0; }));
-    logind->service.Signal(kPath, kManager, "PrepareForSleep", "()");
+    logind->Tell("PrepareForSleep", g_variant_new("()"));
     RunQuietly();
     EXPECT_EQ(device_power_get_state(), 3);
     PrepareForSleep(false);
