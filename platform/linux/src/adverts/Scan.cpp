@@ -122,12 +122,13 @@ void Scan::OnAdapter(const AdapterStatus& status)
     if (m_slot.Id() == 0) {
         return;
     }
-    if (status.path.empty()) {
+    if (!status.powered) {
+        // What cannot be opened now may be there when it is on again.
         m_path.clear();
         m_hciAdverts.reset();
         m_deviceAdverts.reset();
-    } else if (status.path != m_path || m_hciAdverts == nullptr || m_hciAdverts->HasEnded()) {
-        Listen(status.path);  // A raw socket that could not be opened before may be there now.
+    } else if (status.path != m_path || (m_hciAdverts != nullptr && m_hciAdverts->HasEnded())) {
+        Listen(status.path);
     }
     m_discovery.OnAdapter(status);
 }
