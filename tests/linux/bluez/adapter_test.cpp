@@ -236,6 +236,19 @@ TEST_F(AdapterTest, IsNotLostWhenBluetoothdIsTooBusyToAnswer)
     EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; })) << "asked again";
 }
 
+TEST_F(AdapterTest, IsToldOnceMoreAlsoWhenOtherLooksComeBetween)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez->On("/", kManager, "GetManagedObjects", [](GDBusMessage*) -> GDBusMessage* { return nullptr; });
+    linux_platform::Adapter::Instance().TellAgain();
+    RunQuietly(50);
+    TellChange();
+    RunQuietly(2500);
+    Have(One("hci0", kOn, true));
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_ENABLED}; })) << "after a resume";
+}
+
 TEST_F(AdapterTest, IsNotThereWhenTheAnswerIsNonsense)
 {
     for (const char* const answer : {"(5,)", "({'/a': 5},)", "(@a{oa{sa{sv}}} {},)"}) {

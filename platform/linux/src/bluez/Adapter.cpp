@@ -110,7 +110,10 @@ void Adapter::AddListener(Listener listener)
 
 void Adapter::TellAgain()
 {
-    Post([this] { Refresh(Tells::always); });
+    Post([this] {
+        m_owesReport = true;
+        Refresh();
+    });
 }
 
 void Adapter::BeginWatching()
@@ -125,7 +128,7 @@ void Adapter::BeginWatching()
     m_subscriptions.push_back(m_bus->OnClosed([this] { BeginAgain(); }));
     m_subscriptions.push_back(m_bus->OnOwner(kBluez, [this](const std::string& owner) {
         if (!owner.empty()) {
-            Refresh(Tells::changes);
+            Refresh();
             return;
         }
         TellLoss({});
@@ -150,7 +153,7 @@ void Adapter::WatchObjects()
     m_subscriptions.push_back(m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesAdded", ""},
                                               [this](const char*, GVariant* values) {
                                                   if (!ObjectWithAdded(values, kAdapter).empty()) {
-                                                      Refresh(Tells::changes);
+                                                      Refresh();
                                                   }
                                               }));
 }
@@ -163,7 +166,7 @@ void Adapter::OnPropertiesChanged(const char* path, GVariant* values)
         status.powered = false;
         TellLoss(status);
     }
-    Refresh(Tells::changes);
+    Refresh();
 }
 
 void Adapter::OnRemoved(GVariant* values)
@@ -175,29 +178,29 @@ void Adapter::OnRemoved(GVariant* values)
     if (path == Known().path) {
         TellLoss({});
     }
-    Refresh(Tells::changes);
+    Refresh();
 }
 
 /// At once: when it is looked at, all may be well again, but what this process asked for is forgotten.
 void Adapter::TellLoss(const AdapterStatus& left)
 {
     Keep(left);
-    Tell(Tells::changes);
+    Tell();
 }
 
-void Adapter::Refresh(Tells tells)
+void Adapter::Refresh()
 {
     if (m_bus == nullptr) {
-        Tell(tells);
+        Tell();
         return;
     }
-    m_bus->Call(AllObjects(), nullptr, kCallLimitMs, [this, tells](const Reply& objects) {
+    m_bus->Call(AllObjects(), nullptr, kCallLimitMs, [this](const Reply& objects) {
         if (IsLate(objects)) {
-            m_refreshAgain = Timer(kRetryMs, [this, tells] { Refresh(tells); });
+            m_refreshAgain = Timer(kRetryMs, [this] { Refresh(); });
             return;
         }
         Keep(Choose(objects));
-        Tell(tells);
+        Tell();
     });
 }
 
@@ -227,10 +230,10 @@ void Adapter::Keep(const AdapterStatus& status)
     m_known = status;
 }
 
-void Adapter::Tell(Tells tells)
+void Adapter::Tell()
 {
     const AdapterStatus status = Known();
-    if (tells == Tells::changes && status == m_told) {
+    if (!std::exchange(m_owesReport, false) && status == m_told) {
         return;
     }
     m_told = status;

@@ -47,18 +47,16 @@ public:
 private:
     Adapter() = default;
 
-    enum class Tells { changes, always };
-
     void BeginWatching();
     void BeginAgain();
     void WatchObjects();
     void OnPropertiesChanged(const char* path, GVariant* values);
     void OnRemoved(GVariant* values);
     void TellLoss(const AdapterStatus& left);
-    void Refresh(Tells tells);
+    void Refresh();
     AdapterStatus Choose(const Reply& objects) const;
     void Keep(const AdapterStatus& status);
-    void Tell(Tells tells);
+    void Tell();
 
     mutable std::mutex m_mutex;
     AdapterStatus m_known;
@@ -68,6 +66,7 @@ private:
     // On the main context only.
     std::shared_ptr<Bus> m_bus;
     AdapterStatus m_told;
+    bool m_owesReport = false;  ///< changed or not
     std::vector<Subscription> m_subscriptions;
     Timer m_retry;         ///< of watching
     Timer m_refreshAgain;  ///< after an answer that did not come
