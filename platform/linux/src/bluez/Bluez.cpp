@@ -20,6 +20,8 @@ struct Meaning {
 };
 
 // BlueZ says much of what went wrong in the message alone. The first row that fits holds.
+// No row is kConnectTimedOut, after which nobody tries again: a link gives up long before BlueZ does. What BlueZ
+// calls a time-out or an abort until then went wrong on the air, and may go well the next time.
 constexpr Meaning kMeanings[] = {
     {"org.bluez.Error.NotReady", nullptr, kAdapterOff},
     {"org.bluez.Error.NotAvailable", nullptr, kAdapterOff},
@@ -39,8 +41,7 @@ constexpr Meaning kMeanings[] = {
     {"org.bluez.Error.InvalidArguments", "Invalid Length", kTooLong},
     {"org.bluez.Error.InvalidArguments", nullptr, kInvalidArgument},
     {"org.bluez.Error.Failed", "No discovery started", kScanNotRunning},
-    {"org.bluez.Error.Failed", "le-connection-abort-by-local", kConnectTimedOut},
-    {"org.bluez.Error.Failed", "le-connection-timeout", kConnectTimedOut},
+    {"org.bluez.Error.Failed", "le-connection-timeout", kNoAnswer},
     {"org.bluez.Error.Failed", "le-connection-canceled", kCanceled},
     {"org.bluez.Error.Failed", "br-connection-canceled", kCanceled},
     {"org.bluez.Error.Failed", "le-connection-adapter-not-powered", kAdapterOff},
