@@ -138,6 +138,7 @@ TEST_F(LinuxClient, ReportsTheLeastMtuAndWhyWhenItCannotBeRead)
 {
     Connect();
     MakeClient();
+    UseShortLimits();
     bluez->Treat("Properties.Get", 1, Treatment::Fails("org.bluez.Error.Failed"));
     bluez->Treat("Properties.Get", 2, Treatment::Ignored());
     RequestMtu();

@@ -93,6 +93,7 @@ TEST_F(LinuxExchange, AWriteIsRefusedWhenTheNotificationsWereRefused)
 TEST_F(LinuxExchange, AWriteIsReportedInBoundedTimeWhenTheNotificationsAreNeverAnswered)
 {
     Prepare();
+    UseShortLimits();
     bluez->Treat("GattCharacteristic1.StartNotify", 1, Treatment::Ignored());
     Listen();
     ASSERT_EQ(Write("message"), 0);
@@ -112,6 +113,7 @@ TEST_F(LinuxExchange, AWriteThatFailsHasTheErrorsCode)
 TEST_F(LinuxExchange, AWriteThatIsNeverAnsweredIsReportedInBoundedTimeAndOnce)
 {
     Prepare();
+    UseShortLimits();
     bluez->Treat("GattCharacteristic1.WriteValue", 1, Treatment::Late(260));
     ASSERT_EQ(Write("message"), 0);
     ASSERT_TRUE(WaitForWrites(1));

@@ -57,6 +57,7 @@ TEST_F(LinuxLinkEnd, IsReportedByTheSignalWhenTheReplyNeverComes)
 TEST_F(LinuxLinkEnd, IsReportedInBoundedTimeWhenNothingComes)
 {
     Connect();
+    UseShortLimits();
     bluez->Treat("Device1.Disconnect", 1, Treatment::Ignored());
     Disconnect();
     OneEndIsReported(0);

@@ -76,6 +76,7 @@ TEST_F(LinuxLink, WhatIsNoAddressIsRefused)
 
 TEST_F(LinuxLink, APhoneThatIsGoneIsReportedInBoundedTimeAndTheConnectIsCancelled)
 {
+    UseShortLimits();
     bluez->ChangePhone({.inReach = false});
     EXPECT_EQ(Failure(), kConnectTimedOut);
     EXPECT_EQ(bluez->Count("Device1.Disconnect"), 1);
@@ -84,6 +85,7 @@ TEST_F(LinuxLink, APhoneThatIsGoneIsReportedInBoundedTimeAndTheConnectIsCancelle
 
 TEST_F(LinuxLink, ServicesThatNeverResolveAreReportedInBoundedTimeAndTheLinkIsTakenDown)
 {
+    UseShortLimits();
     bluez->ChangePhone({.resolves = false});
     EXPECT_EQ(Failure(), kConnectTimedOut);
     EXPECT_TRUE(RunUntil([&] { return !bluez->IsConnected(kPhone); }));
@@ -127,10 +129,12 @@ TEST_F(LinuxLink, AFailedConnectIsLoggedWithWhatBluezSays)
 
 TEST_F(LinuxLink, ARetryWaitsUntilWhatTheFailedConnectLeftIsDown)
 {
+    UseShortLimits();
     bluez->ChangePhone({.resolves = false});
     bluez->Treat("Device1.Disconnect", 1, Treatment::Late(100));
     EXPECT_EQ(Begin(), 0);
     ASSERT_TRUE(WaitForReports(1));
+    UseLongLimits();
     bluez->ChangePhone({});
     ASSERT_EQ(bt_gatt_connect(kPhone, false), 0);
     ASSERT_TRUE(WaitForReports(2));
@@ -181,6 +185,7 @@ TEST_F(LinuxLink, APhoneThatWasForgottenIsFoundAgain)
 
 TEST_F(LinuxLink, APhoneThatWasForgottenAndIsGoneIsReportedInBoundedTime)
 {
+    UseShortLimits();
     bluez->ChangePhone({.inReach = false});
     bluez->ForgetPhone(kPhone);
     EXPECT_EQ(Failure(), kConnectTimedOut);

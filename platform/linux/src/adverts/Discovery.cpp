@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "adverts/Discovery.h"
 
-#include <algorithm>
+#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -32,12 +32,6 @@ Method AdapterMethod(const std::string& adapterPath, const char* name)
 
 }  // namespace
 
-int Deadline::LeftMs() const
-{
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(m_end - Clock::now());
-    return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
-}
-
 int Discovery::Start(const std::string& adapterPath, const Deadline& deadline)
 {
     {
@@ -54,7 +48,7 @@ int Discovery::Start(const std::string& adapterPath, const Deadline& deadline)
 int Discovery::StartNow(const Bus& bus, const std::string& adapterPath, const Deadline& deadline)
 {
     const auto call = [&](const char* name, GVariant* arguments) {
-        return bus.CallNow(AdapterMethod(adapterPath, name), arguments, std::max(deadline.LeftMs(), 1));
+        return bus.CallNow(AdapterMethod(adapterPath, name), arguments, deadline.LeftMs());
     };
     int code = StartCodeOf(call("SetDiscoveryFilter", DiscoveryFilter()));
     if (code != 0) {
@@ -63,7 +57,7 @@ int Discovery::StartNow(const Bus& bus, const std::string& adapterPath, const De
     code = StartCodeOf(call("StartDiscovery", nullptr));
     // bluetoothd says so for as long as it is busy with what this process asked for earlier: a stop, or a start
     // after the adapter came back. To stop it once more makes sure that it is a new start that succeeds.
-    while (code == kBusy && deadline.LeftMs() > 0) {
+    while (code == kBusy && !deadline.IsOver()) {
         call("StopDiscovery", nullptr);
         std::this_thread::sleep_for(kPauseWhileBusy);
         code = StartCodeOf(call("StartDiscovery", nullptr));

@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
 
 #include "bluez/Adapter.h"
 #include "bus/Bus.h"
+#include "loop/Deadline.h"
 #include "loop/MainContext.h"
 
 namespace lyn::linux_platform {
-
-/// How much is left of the time that a call of the core may take.
-class Deadline {
-public:
-    explicit Deadline(int milliseconds) : m_end(Clock::now() + std::chrono::milliseconds(milliseconds)) {}
-
-    /// 0 when it is over.
-    int LeftMs() const;
-
-private:
-    using Clock = std::chrono::steady_clock;
-
-    Clock::time_point m_end;
-};
 
 /// This process's LE discovery in bluetoothd, which goes on for others when it is stopped here. While it is
 /// wanted, it is started again when bluetoothd or the adapter has been away. Any thread, unless it says otherwise.

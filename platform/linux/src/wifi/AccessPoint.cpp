@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "bus/Bus.h"
+#include "loop/Deadline.h"
 
 namespace lyn::linux_platform {
 
@@ -17,21 +18,6 @@ constexpr const char* kBss = "fi.w1.wpa_supplicant1.BSS";
 constexpr const char* kGetAll = "GetAll";
 constexpr const char* kPropertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr gsize kAddressBytes = 6;
-
-/// What is left of the time for several calls.
-class Deadline {
-public:
-    int LeftMs() const
-    {
-        const gint64 left = (m_end - g_get_monotonic_time()) / 1000;
-        return left > 1 ? static_cast<int>(left) : 1;
-    }
-
-    bool IsOver() const { return g_get_monotonic_time() >= m_end; }
-
-private:
-    gint64 m_end = g_get_monotonic_time() + gint64{kCallLimitMs} * 1000;
-};
 
 /// The properties of an object as a{sv}; null when it does not tell.
 Variant PropertiesOf(const Bus& bus, const std::string& path, const char* interface, const Deadline& deadline)
@@ -79,7 +65,7 @@ std::optional<AccessPoint> AccessPointOf(const Bus& bus, const std::string& inte
 std::optional<AccessPoint> FindConnectedAccessPoint()
 {
     const auto bus = Bus::System();
-    const Deadline deadline;
+    const Deadline deadline(kCallLimitMs);
     const Variant root = bus != nullptr ? PropertiesOf(*bus, kRoot, kSupplicant, deadline) : nullptr;
     const Variant interfaces = root ? Lookup(root.get(), "Interfaces", "ao") : nullptr;
     const gsize count = interfaces ? g_variant_n_children(interfaces.get()) : 0;

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "bus/Bus.h"
+#include "loop/Deadline.h"
 
 namespace lyn::linux_platform {
 
@@ -69,15 +70,14 @@ bool ConnectTo(int socket, const std::string& path)
 }
 
 /// False, with errno set, when none comes until then.
-bool WaitForAnswer(int socket, gint64 end)
+bool WaitForAnswer(int socket, const Deadline& deadline)
 {
     pollfd answer{socket, POLLIN, 0};
     int ready = 0;
     do {
-        const auto leftMs = std::max<gint64>((end - g_get_monotonic_time()) / 1000, 1);
-        ready = ::poll(&answer, 1, static_cast<int>(leftMs));
+        ready = ::poll(&answer, 1, deadline.LeftMs());
         // A signal to the application is no answer.
-    } while (ready < 0 && errno == EINTR && g_get_monotonic_time() < end);
+    } while (ready < 0 && errno == EINTR && !deadline.IsOver());
     if (ready != 1) {
         errno = ETIMEDOUT;
     }
@@ -85,7 +85,7 @@ bool WaitForAnswer(int socket, gint64 end)
 }
 
 /// The answer to STATUS of one control socket; empty, with errno set, when there is none until then.
-std::string AskForStatus(const std::string& path, gint64 end)
+std::string AskForStatus(const std::string& path, const Deadline& deadline)
 {
     constexpr const char* kCommand = "STATUS";
     const Socket socket;
@@ -93,7 +93,7 @@ std::string AskForStatus(const std::string& path, gint64 end)
         ::send(socket.Descriptor(), kCommand, std::strlen(kCommand), MSG_DONTWAIT) < 0) {
         return {};
     }
-    if (!WaitForAnswer(socket.Descriptor(), end)) {
+    if (!WaitForAnswer(socket.Descriptor(), deadline)) {
         return {};
     }
     std::array<char, 4096> text{};
@@ -151,9 +151,9 @@ std::string ReadDirectAddress()
 {
     const fs::path folder = Folder();
     std::string reason = "holds no control socket of wpa_supplicant";
-    const gint64 end = g_get_monotonic_time() + gint64{kCallLimitMs} * 1000;
+    const Deadline deadline(kCallLimitMs);
     for (const fs::path& socket : ControlSockets(folder)) {
-        const std::string status = AskForStatus(socket.string(), end);
+        const std::string status = AskForStatus(socket.string(), deadline);
         std::string address = DirectAddressIn(status);
         if (!address.empty()) {
             return address;
