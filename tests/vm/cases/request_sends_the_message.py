@@ -1,29 +1,17 @@
 # SPDX-License-Identifier: Apache-2.0
 # Shows: the phone receives each byte of the message, with the access point's channel and the real addresses
 # Guest: bluetooth wifi
-import json
 import os
-import re
 
 from vm.checks import equal
 from vm.hci import Management
 from vm.phones import feature, scripted
-from vm.programs import run
-from vm.tvset import TV_NAME, request, scan, settings
+from vm.tvset import TV_NAME, control_message, request, scan, settings
 
 with Management() as management:
     address = management.address(1)
     tv = management.address(0)
-status = run("wpa_cli", "-p", "/run/wpa_supplicant", "-i", "wlan1", "status")
-direct = re.search(r"^p2p_device_address=(\S+)$", status, re.MULTILINE)[1]
-equal(re.search(r"^freq=(\d+)$", status, re.MULTILINE)[1], "2437", "the access point's frequency")
-
 settings(name=TV_NAME, channel=99)
-COMMON = {"P2PChannel": "6", "P2PMac": direct, "deviceIcon": "1", "deviceType": "12", "displayName": TV_NAME}
-
-
-def line(**members):
-    return json.dumps({**COMMON, **members}, sort_keys=True, separators=(",", ":")).encode()
 
 
 def received(service, *words):
@@ -33,20 +21,20 @@ def received(service, *words):
         return bytes.fromhex(phone.wait("written", peer=tv)["hex"])
 
 
-equal(received("mirroring"), line(type="mirroring"), "the mirroring message")
+equal(received("mirroring"), control_message(type="mirroring"), "the mirroring message")
 equal(received("mirroring", "--extra", '{"key":"valu\\u00e9","displayName":"Mine"}'),
-      line(type="mirroring", key="valu\u00e9", displayName="Mine"), "the mirroring message with extra data")
-equal(received("kov"), line(type="kov"), "the kov message")
-equal(received("nodlink"), line(type="nodLink", BtMac=tv), "the nodlink message")
-equal(received("nodlink", "--nodlink-version", "3.0"), line(type="nodLink3.0", BtMac=tv),
+      control_message(type="mirroring", key="valu\u00e9", displayName="Mine"), "the mirroring message with extra data")
+equal(received("kov"), control_message(type="kov"), "the kov message")
+equal(received("nodlink"), control_message(type="nodLink", BtMac=tv), "the nodlink message")
+equal(received("nodlink", "--nodlink-version", "3.0"), control_message(type="nodLink3.0", BtMac=tv),
       "the message of nodlink 3.0")
 
 settings(channel=0)
-equal(received("kov"), line(type="kov", P2PChannel="1"), "the message on the social channel")
+equal(received("kov"), control_message(type="kov", P2PChannel="1"), "the message on the social channel")
 
 os.makedirs("files/opt/etc")
 with open("files/opt/etc/.lyn_appid", "w", encoding="utf-8") as file:
     file.write("org.example.guest more\n")
 os.environ["LYN_FILES_DIR"] = os.path.abspath("files")
-equal(received("mirroring"), line(type="mirroring", P2PChannel="1", appLaunch="org.example.guest"),
+equal(received("mirroring"), control_message(type="mirroring", P2PChannel="1", appLaunch="org.example.guest"),
       "the message that names an application")

@@ -34,6 +34,16 @@ def owner(name):
         return None
 
 
+def owner_with_process(number):
+    """The name on the bus of this process."""
+    bus_itself = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
+    for name in call(*bus_itself, "ListNames")[0]:
+        if name.startswith(":") and number == call(*bus_itself, "GetConnectionUnixProcessID",
+                                                   GLib.Variant("(s)", (name,)))[0]:
+            return name
+    raise Failed("process %d is not on the bus" % number)
+
+
 def get(path, interface, name, service=BLUEZ):
     return call(service, path, "org.freedesktop.DBus.Properties", "Get",
                 GLib.Variant("(ss)", (interface, name)))[0]

@@ -2,6 +2,7 @@
 """The TV of this project on hci0: lynctl with the platform "linux"."""
 import json
 import os
+import re
 
 from .checks import equal
 from .programs import Teller, run
@@ -40,8 +41,10 @@ def request(service, address, *words, limit=60):
         return status, (program.all("result") or [None])[0]
 
 
-def message(text):
-    """The members of a message; it must be one line of JSON with sorted members."""
-    members = json.loads(text)
-    equal(text, json.dumps(members, sort_keys=True, separators=(",", ":")), "the form of the message")
-    return members
+def control_message(**members):
+    """The bytes that a phone must get from this TV, in the guest with Wi-Fi, and with TV_NAME as its name."""
+    status = run("wpa_cli", "-p", "/run/wpa_supplicant", "-i", "wlan1", "status")
+    direct = re.search(r"^p2p_device_address=(\S+)$", status, re.MULTILINE)[1]
+    equal(re.search(r"^freq=(\d+)$", status, re.MULTILINE)[1], "2437", "the access point's frequency")
+    common = {"P2PChannel": "6", "P2PMac": direct, "deviceIcon": "1", "deviceType": "12", "displayName": TV_NAME}
+    return json.dumps({**common, **members}, sort_keys=True, separators=(",", ":")).encode()
