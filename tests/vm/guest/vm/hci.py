@@ -39,6 +39,8 @@ class Management:
     """The kernel's management of controllers. See the kernel's and BlueZ's mgmt-api."""
     READ_INDEX_LIST, READ_INFO, SET_POWERED, GET_CONNECTIONS = 0x03, 0x04, 0x05, 0x15
     READ_ADVERTISING, ADD_ADVERTISING, REMOVE_ADVERTISING = 0x3D, 0x3E, 0x3F
+    SET_SYSTEM_CONFIGURATION = 0x4C
+    LE_CONNECT_TIMEOUT = 0x1B
 
     def __init__(self):
         self._socket = _open(CHANNEL_CONTROL, NO_INDEX)
@@ -77,6 +79,10 @@ class Management:
 
     def set_powered(self, index, powered):
         self.command(self.SET_POWERED, index, bytes([powered]))
+
+    def set_connect_timeout(self, index, milliseconds):
+        self.command(self.SET_SYSTEM_CONFIGURATION, index,
+                     struct.pack("<HBH", self.LE_CONNECT_TIMEOUT, 2, milliseconds))
 
     def connections(self, index):
         return struct.unpack_from("<H", self.command(self.GET_CONNECTIONS, index))[0]

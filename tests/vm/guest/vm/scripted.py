@@ -10,7 +10,7 @@ import time
 from .checks import wait_for
 from .hci import Management
 
-COMMAND, EVENT = 1, 4
+COMMAND, DATA, EVENT = 1, 2, 4
 COMMAND_COMPLETE = 0x0E
 
 SCAN_ENABLE, EXTENDED_SCAN_ENABLE = 0x200C, 0x2042
@@ -119,18 +119,30 @@ class Controller:
         sent = 0
         while (now := time.monotonic() - begin) < seconds:
             while sent < now * per_second:
-                os.write(self._device, events[sent % len(events)])
+                self._send(events[sent % len(events)])
                 sent += 1
             time.sleep(0.002)
         return sent
 
     def _serve(self):
         while not self._ends:
-            if not select.select([self._device], [], [], 0.1)[0]:
+            self._tick()
+            if not select.select([self._device], [], [], 0.05)[0]:
                 continue
             packet = os.read(self._device, 2048)
             if packet[0] == COMMAND:
                 self._answer(struct.unpack_from("<H", packet, 1)[0], packet[4:])
+            elif packet[0] == DATA:
+                self._data(packet[1:])
+
+    def _tick(self):
+        """Now and then, between what the kernel asks."""
+
+    def _data(self, packet):
+        """What the kernel sends over a connection: there is none."""
+
+    def _send(self, packet):
+        os.write(self._device, packet)
 
     def _answer(self, code, parameters):
         if code in (SCAN_ENABLE, EXTENDED_SCAN_ENABLE):
@@ -139,4 +151,4 @@ class Controller:
             else:
                 self.scanning.clear()
         answer = bytes([1]) + struct.pack("<H", code) + self._answers.get(code, b"\0")
-        os.write(self._device, bytes([EVENT, COMMAND_COMPLETE, len(answer)]) + answer)
+        self._send(bytes([EVENT, COMMAND_COMPLETE, len(answer)]) + answer)

@@ -34,9 +34,9 @@ def scan(service, seconds=4, adapter="hci0"):
         return {phone["Address"]: phone for phone in program.all("summary")[0]["phones"]}
 
 
-def request(service, address, *words, limit=60):
+def request(service, address, *words, limit=60, adapter="hci0"):
     """Asks a phone. The exit status, and the result's line."""
-    with lynctl("request", service, address, *words, name="request") as program:
+    with lynctl("request", service, address, *words, adapter=adapter, name="request") as program:
         status = program.finish(limit)
         return status, (program.all("result") or [None])[0]
 
