@@ -20,3 +20,8 @@ def phone(marker=MIRRORING, unique_id=UNIQUE_ID):
 
 def name(text, marker=MIRRORING):
     return manufacturer(117, bytes([1, marker]) + text)
+
+
+def nodlink(company=117):
+    """A phone that mirrors its screen, of protocol version 3.0."""
+    return FLAGS + manufacturer(company, bytes([0, 13, 0, 0, 0, 4, 1, 0, 0, 0, 0, 0, 0, 1]))

@@ -43,10 +43,11 @@ def legacy(address, data, kind=0, rssi=-50, count=1):
     return _meta(bytes([0x02, count, kind, 0]) + _reversed(address) + bytes([len(data)]) + data + _signed(rssi))
 
 
-def extended(address, data, kind=0x13, rssi=-50):
+def extended(address, data, kind=0x13, rssi=-50, set_id=0xFF):
     """An extended advertising report; of legacy packets: `kind` 0x13, of their scan responses 0x1b."""
-    return _meta(struct.pack("<BBHB", 0x0D, 1, kind, 0) + _reversed(address) + bytes([1, 0, 0xFF, 127]) +
-                 _signed(rssi) + bytes(9) + bytes([len(data)]) + data)
+    secondary = 1 if set_id != 0xFF else 0
+    return _meta(struct.pack("<BBHB", 0x0D, 1, kind, 0) + _reversed(address) +
+                 bytes([1, secondary, set_id, 127]) + _signed(rssi) + bytes(9) + bytes([len(data)]) + data)
 
 
 def raw(parameters):
@@ -83,6 +84,7 @@ class Controller:
         self._answers[0x1002] = bytes([0]) + bytes(commands)
         self._device = os.open("/dev/vhci", os.O_RDWR)
         os.write(self._device, b"\xff\x00")
+        self.commands = set()
         self.scanning = threading.Event()
         self._ends = False
         self._thread = threading.Thread(target=self._serve, daemon=True)
@@ -145,6 +147,7 @@ class Controller:
         os.write(self._device, packet)
 
     def _answer(self, code, parameters):
+        self.commands.add(code)
         if code in (SCAN_ENABLE, EXTENDED_SCAN_ENABLE):
             if parameters[0]:
                 self.scanning.set()
