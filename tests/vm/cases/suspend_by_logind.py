@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # Shows: the nodlink service is not ready while logind suspends the machine, and ready again after the resume
-# Guest: systemd bluetooth, alone
+# Guest: systemd bluetooth wifi
 from vm import bus
 from vm.checks import check, equal, wait_for
 from vm.tvset import lynctl
