@@ -14,7 +14,7 @@ from .scripted import COMMAND_COMPLETE, DATA, EVENT, Controller, legacy
 DISCONNECTION_COMPLETE, COMMAND_STATUS, COMPLETED_PACKETS, LE_META = 0x05, 0x0F, 0x13, 0x3E
 CREATE_CONNECTION, CREATE_CONNECTION_CANCEL, READ_REMOTE_FEATURES, DISCONNECT = 0x200D, 0x200E, 0x2016, 0x0406
 HANDLE = 0x0040
-SCAN_RESPONSE = 4
+PACKET, SCAN_RESPONSE = 0, 4
 REMOTE_ENDED, LOCAL_ENDED, UNKNOWN_CONNECTION = 0x13, 0x16, 0x02
 ATT = 4  # the channel of attributes
 
@@ -22,10 +22,19 @@ SERVICE, CHARACTERISTIC, VALUE, CONFIGURATION = 1, 2, 3, 4  # handles
 PRIMARY, DECLARATION, CLIENT_CONFIGURATION = 0x2800, 0x2803, 0x2902
 WRITE_AND_NOTIFY = 0x18
 NOT_SUPPORTED, NOT_FOUND = 0x06, 0x0A
+NO_MORE_ANSWERS = struct.pack("<BHH", 0x12, CONFIGURATION, 0)
 
 
 def _uuid(text):
     return bytes.fromhex(text.replace("-", ""))[::-1]
+
+
+def _named(marker):
+    return [(PACKET, packets.phone(marker)), (SCAN_RESPONSE, packets.name(b"Inside", marker))]
+
+
+ADVERTS = {"mirroring": _named(packets.MIRRORING), "kov": _named(packets.KOV),
+           "nodlink": [(PACKET, packets.nodlink())]}
 
 
 class Attributes:
@@ -98,16 +107,20 @@ class Attributes:
 class AttPhone(Controller):
     """The TV's adapter is this controller, and the one phone that it hears and reaches is in it too.
 
-    stage: what the phone does not get beyond: "connect", "discover" or "prepare"; None is nothing
-    early: the answer is notified before the response to the write"""
+    answer: what it notifies when it has a message
+    early: the answer is notified before the response to the write
+    hangs_up: the phone ends the connection when the TV wants no more answers
+    stage: what the phone does not get beyond: "connect", "discover" or "prepare"; None is nothing"""
     ADDRESS = "C0:00:00:00:0F:0F"
     PERIOD = 0.1
 
-    def __init__(self, answer=b"Success", mtu=256):
-        self.attributes = Attributes(*SERVICES["mirroring"], mtu)
-        self.stage = None
+    def __init__(self, feature="mirroring", mtu=256):
+        self.attributes = Attributes(*SERVICES[feature], mtu)
+        self.answer = "Success"
         self.early = False
-        self._answer_text = answer
+        self.hangs_up = False
+        self.stage = None
+        self._adverts = ADVERTS[feature]
         self._next_advert = 0
         self._unfinished = b""
         self.connected = threading.Event()
@@ -124,8 +137,8 @@ class AttPhone(Controller):
     def _tick(self):
         if self.scanning.is_set() and not self.connected.is_set() and time.monotonic() > self._next_advert:
             self._next_advert = time.monotonic() + self.PERIOD
-            self._send(legacy(self.ADDRESS, packets.phone()))
-            self._send(legacy(self.ADDRESS, packets.name(b"Inside"), SCAN_RESPONSE))
+            for kind, data in self._adverts:
+                self._send(legacy(self.ADDRESS, data, kind))
 
     def _answer(self, code, parameters):
         if code == CREATE_CONNECTION:
@@ -178,9 +191,13 @@ class AttPhone(Controller):
             return
         before = len(self.attributes.written)
         response = self.attributes.answer(request)
-        answers = [struct.pack("<BH", 0x1B, VALUE) + self._answer_text] if len(
-            self.attributes.written) > before else []
-        for frame in [*answers, response] if self.early else [response, *answers]:
+        if len(self.attributes.written) == before:
+            self._send_frame(response)
+            if self.hangs_up and request == NO_MORE_ANSWERS:
+                self._disconnect(REMOTE_ENDED)
+            return
+        answer = struct.pack("<BH", 0x1B, VALUE) + self.answer.encode()
+        for frame in (answer, response) if self.early else (response, answer):
             self._send_frame(frame)
 
     def _send_frame(self, frame):
