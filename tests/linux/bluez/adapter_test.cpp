@@ -203,6 +203,14 @@ TEST_F(AdapterTest, TakesNothingFromSignalsOfAnotherShape)
     EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; }));
 }
 
+TEST_F(AdapterTest, IsNoChangeWhenWatchingBegins)
+{
+    Have(One("hci0", kOn, true));
+    ASSERT_EQ(bt_adapter_set_state_changed_cb(&AdapterTest::OnState, this), 0);
+    RunQuietly();
+    EXPECT_TRUE(states.empty());
+}
+
 TEST_F(AdapterTest, GoesAndComesWithBluetoothd)
 {
     Have(One("hci0", kOn, true));
@@ -213,6 +221,21 @@ TEST_F(AdapterTest, GoesAndComesWithBluetoothd)
     Have(One("hci0", kOn, true));
     TellChange();
     EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED}; }));
+}
+
+TEST_F(AdapterTest, GoesAndComesWithTheSystemBus)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez.reset();
+    PrivateBus::Restart();
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; }));
+    bluez = std::make_unique<FakeService>("org.bluez");
+    Have(One("hci0", kOn, true));
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED}; }));
+    Have(One("hci0", kOn, false));
+    TellChange();
+    EXPECT_TRUE(RunUntil([&] { return states.size() == 3; })) << "changes are not heard any more";
 }
 
 TEST_F(AdapterTest, IsToldOnceMoreWhenAsked)

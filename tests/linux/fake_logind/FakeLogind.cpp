@@ -62,6 +62,12 @@ std::size_t FakeLogind::Held() const
     }));
 }
 
+std::string FakeLogind::Asked() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_asked;
+}
+
 void FakeLogind::GrantWith(int descriptors, int index)
 {
     const std::lock_guard lock(m_mutex);
@@ -71,6 +77,9 @@ void FakeLogind::GrantWith(int descriptors, int index)
 
 void FakeLogind::Grant(const Call& call)
 {
+    char* const asked = g_variant_print(call.arguments, FALSE);
+    m_asked = asked;
+    g_free(asked);
     const auto reply = SharedMessage(g_dbus_message_new_method_reply(call.message.get()));
     g_dbus_message_set_body(reply.get(), g_variant_new("(h)", m_index));
     GUnixFDList* const descriptors = g_unix_fd_list_new();

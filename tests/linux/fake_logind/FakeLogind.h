@@ -26,6 +26,9 @@ public:
     /// How many of them are still held.
     std::size_t Held() const;
 
+    /// The arguments of the last request, in GVariant text form.
+    std::string Asked() const;
+
     /// What the next grants consist of: how many descriptors, and which of them the answer names.
     void GrantWith(int descriptors, int index);
 
@@ -33,6 +36,7 @@ private:
     void Grant(const Call& call);
 
     std::vector<int> m_ends;
+    std::string m_asked;
     int m_descriptors = 1;
     int m_index = 0;
 };

@@ -4,9 +4,11 @@
 #include <memory>
 #include <vector>
 
+#include "FakeBluez.h"
 #include "FakeLogind.h"
 #include "PrivateBus.h"
 #include "bus/Bus.h"
+#include "lyn_platform/bluetooth.h"
 #include "lyn_platform/power.h"
 
 namespace lyn::linux_tests {
@@ -152,6 +154,95 @@ TEST_F(PowerTest, ASignalWithOtherValuesIsNoSleep)
     RunQuietly();
     EXPECT_TRUE(flags.empty());
     EXPECT_EQ(device_power_get_state(), 1);
+}
+
+TEST_F(PowerTest, ItIsTheSleepThatIsDelayedAndNotForbidden)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    EXPECT_EQ(logind->Asked(), "('sleep', 'lyn_service', 'tells applications of the coming sleep', 'delay')");
+}
+
+TEST_F(PowerTest, AWakingThatNoSleepCameBeforeAsksForNoSecondDelay)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(false);
+    RunQuietly();
+    EXPECT_EQ(logind->Granted(), 1U);
+    EXPECT_TRUE(flags.empty());
+}
+
+TEST_F(PowerTest, ASecondSubscriptionTakesThePlaceOfTheFirst)
+{
+    Subscribe();
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(true);
+    ASSERT_TRUE(RunUntil([&] { return !flags.empty(); }));
+    RunQuietly();
+    EXPECT_EQ(flags.size(), 1U);
+    PrepareForSleep(false);
+}
+
+TEST_F(PowerTest, TheAmbientRegistrationIsKeptAndNeverCalled)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    int ambient = 0;
+    const auto count = [](const device_power_off_info_s*, void* data) { return ++*static_cast<int*>(data); };
+    EXPECT_EQ(device_power_subscribe_ambient_poweroff(count, &ambient), 0);
+    PrepareForSleep(true);
+    logind->PrepareForShutdown(true);
+    EXPECT_TRUE(RunUntil([&] { return flags.size() == 2; }));
+    EXPECT_EQ(ambient, 0);
+    PrepareForSleep(false);
+}
+
+TEST_F(PowerTest, TheAdaptersStateIsToldOnceMoreAfterASleep)
+{
+    FakeBluez bluez;
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    ASSERT_EQ(bt_product_init(), 0);
+    RunQuietly();
+    std::vector<bt_adapter_state_e> states;
+    const auto keep = [](int, bt_adapter_state_e state, void* data) {
+        static_cast<std::vector<bt_adapter_state_e>*>(data)->push_back(state);
+    };
+    ASSERT_EQ(bt_adapter_set_state_changed_cb(keep, &states), 0);
+    PrepareForSleep(true);
+    PrepareForSleep(false);
+    EXPECT_TRUE(RunUntil([&] { return !states.empty(); }));
+    EXPECT_EQ(states, std::vector<bt_adapter_state_e>{BT_ADAPTER_ENABLED});
+    bt_adapter_unset_state_changed_cb();
+}
+
+TEST_F(PowerTest, ASystemBusThatComesBackIsWatchedAgain)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    logind.reset();
+    PrivateBus::Restart();
+    logind = std::make_unique<FakeLogind>();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(true);
+    EXPECT_TRUE(RunUntil([&] { return flags.size() == 1; }));
+    PrepareForSleep(false);
+    EXPECT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+}
+
+TEST_F(PowerTest, ASleepThatTheBusDidNotOutliveIsOver)
+{
+    Subscribe();
+    ASSERT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
+    PrepareForSleep(true);
+    ASSERT_TRUE(RunUntil([&] { return flags.size() == 1; }));
+    logind.reset();
+    PrivateBus::Restart();
+    EXPECT_TRUE(RunUntil([&] { return device_power_get_state() == 1; }));
+    logind = std::make_unique<FakeLogind>();
+    EXPECT_TRUE(RunUntil([&] { return logind->Held() == 1; }));
 }
 
 TEST_F(PowerTest, ACallbackIsWanted)

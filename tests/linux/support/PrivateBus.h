@@ -12,13 +12,18 @@ namespace lyn::linux_tests {
 /// process: the platform keeps its connection.
 class PrivateBus {
 public:
-    static const PrivateBus& Instance();
+    static PrivateBus& Instance();
+
+    /// The bus dies with all connections to it, and comes back. No fake may be on it.
+    static void Restart();
 
     const std::string& Address() const { return m_address; }
 
 private:
     PrivateBus();
+    void Begin();
 
+    GTestDBus* m_bus = nullptr;
     std::string m_address;
 };
 
