@@ -36,6 +36,16 @@ TEST(HciReports, AnExtendedReportIsReadAsItIs)
     EXPECT_EQ(DataOf(reports[0]), (Bytes{1, 2, 3}));
 }
 
+TEST(HciReports, TheSignalStrengthHasItsSign)
+{
+    for (const int rssi : {-128, -127, -1, 0, 20, 127}) {
+        const Bytes packet = LegacyEvent({{.rssi = rssi}});
+        const auto reports = ParseReports(packet);
+        ASSERT_EQ(reports.size(), 1U);
+        EXPECT_EQ(reports[0].rssi, rssi);
+    }
+}
+
 TEST(HciReports, AddressesAreWrittenInUpperCase)
 {
     EXPECT_EQ(TextOf({0, {0x0A, 0x1B, 0x2C, 0x3D, 0x4E, 0xFF}}), "FF:4E:3D:2C:1B:0A");

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <glib.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <climits>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -161,6 +165,17 @@ TEST(Defaults, AreNoneForOtherKeys)
 {
     EXPECT_EQ(DefaultOf("memory/wifi/frequency"), std::nullopt);
     EXPECT_EQ(DefaultOf(""), std::nullopt);
+}
+
+TEST(SettingsFolders, AreThoseOfRootOrOfTheUserWithoutIt)
+{
+    ::setenv("LYN_STATE_DIR", "", 1);
+    ::unsetenv("LYN_RUNTIME_DIR");
+    const auto folders = SettingsFolders::FromEnvironment();
+    const bool root = ::geteuid() == 0;
+    EXPECT_EQ(folders.state, root ? "/var/lib/lyn" : std::string(g_get_user_state_dir()) + "/lyn");
+    EXPECT_EQ(folders.runtime, root ? "/run/lyn" : std::string(g_get_user_runtime_dir()) + "/lyn");
+    ::unsetenv("LYN_STATE_DIR");
 }
 
 TEST(SettingsFolders, AreThoseOfTheEnvironmentFirst)

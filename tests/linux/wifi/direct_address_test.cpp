@@ -74,6 +74,16 @@ TEST_F(DirectAddressTest, IsMissingWithoutControlSockets)
     EXPECT_NE(wifi_direct_get_mac_address(nullptr), 0);
 }
 
+TEST_F(DirectAddressTest, IsLookedForInTheSystemsFolderUnlessTheEnvironmentNamesOne)
+{
+    for (const char* const folder : {"", static_cast<const char*>(nullptr)}) {
+        folder != nullptr ? ::setenv("LYN_WPA_CTRL_DIR", folder, 1) : ::unsetenv("LYN_WPA_CTRL_DIR");
+        const std::string failure = Failure();
+        // The machine of this test may have one.
+        EXPECT_TRUE(failure.starts_with("/run/wpa_supplicant: ") || failure.starts_with("found ")) << failure;
+    }
+}
+
 TEST_F(DirectAddressTest, IsMissingWhenTheStatusHasNone)
 {
     ControlSocket socket(m_folder / "wlan0");
