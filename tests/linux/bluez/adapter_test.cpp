@@ -90,6 +90,15 @@ const std::string kOff = "02:00:00:00:00:00";
 const std::string kOn = "02:00:00:00:00:01";
 const std::string kAlsoOn = "02:00:00:00:00:02";
 
+// Before all others: watching begins once in a process.
+TEST_F(AdapterTest, IsNoChangeWhenWatchingBegins)
+{
+    Have(One("hci0", kOn, true));
+    ASSERT_EQ(bt_adapter_set_state_changed_cb(&AdapterTest::OnState, this), 0);
+    RunQuietly();
+    EXPECT_TRUE(states.empty());
+}
+
 TEST_F(AdapterTest, IsTheFirstThatIsOn)
 {
     Have(One("hci10", kAlsoOn, true) + ", " + One("hci2", kOn, true) + ", " + One("hci0", kOff, false));

@@ -95,7 +95,7 @@ TEST_F(LinuxWifiService, ARequestHasOneResultWhateverTheControlSocketAnswers)
     for (const SocketMishap& mishap : SocketMishaps(ControlSocket::kStatus, ControlSocket::kAddress)) {
         SCOPED_TRACE(mishap.name);
         const auto before = OpenFiles();
-        const auto written = bluez->Written().size();
+        const auto messages = bluez->Written().size();
         socket->AnswerWith(mishap.datagrams, mishap.delayMs);
         if (mishap.dies) {
             socket->DieAtNext();
@@ -103,7 +103,7 @@ TEST_F(LinuxWifiService, ARequestHasOneResultWhateverTheControlSocketAnswers)
         const auto result = Request();
         EXPECT_EQ(result, mishap.harmless ? LYN_REQUEST_INITIATING_RESULT_SUCCESS
                                           : LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
-        EXPECT_EQ(bluez->Written().size(), written + (mishap.harmless ? 1 : 0)) << "nothing is sent without it";
+        EXPECT_EQ(bluez->Written().size(), messages + (mishap.harmless ? 1 : 0)) << "nothing is sent without it";
         socket->AnswerWith({ControlSocket::kStatus});
         socket->Return();
         ExpectGood();
