@@ -6,7 +6,6 @@
 
 #include "FakeBluez.h"
 #include "ScanTest.h"
-#include "adverts/Scan.h"
 
 namespace lyn::linux_tests {
 namespace {
@@ -36,8 +35,7 @@ protected:
 
     bool AllIsOver() const
     {
-        return RunUntil(
-            [&] { return !bluez->IsDiscovering() && !linux_platform::Scan::Instance().IsDiscovering(); });
+        return RunUntil([&] { return !bluez->IsDiscovering(); });
     }
 
     std::unique_ptr<FakeBluez> bluez = std::make_unique<FakeBluez>(kAdapter);
@@ -52,16 +50,6 @@ TEST_F(SlowDiscovery, AStartThatIsStoppedMeanwhileIsStoppedInTheEnd)
     starter.join();
     EXPECT_TRUE(AllIsOver());
     EXPECT_EQ(bluez->Count(kStop), 1);
-}
-
-TEST_F(SlowDiscovery, AStopIsUnderWayUntilItIsAnswered)
-{
-    ASSERT_EQ(Start(), 0);
-    ASSERT_TRUE(Hears());
-    bluez->Treat(kStop, 1, Treatment::Late(150));
-    EXPECT_EQ(bt_adapter_le_stop_scan(), 0);
-    EXPECT_TRUE(linux_platform::Scan::Instance().IsDiscovering());
-    EXPECT_TRUE(AllIsOver());
 }
 
 TEST_F(SlowDiscovery, WhatIsStartedAgainAfterTheAdapterWasOffIsStoppedWhenNobodyWantsItAnyMore)

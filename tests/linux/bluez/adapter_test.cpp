@@ -212,14 +212,6 @@ TEST_F(AdapterTest, TakesNothingFromSignalsOfAnotherShape)
     EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; }));
 }
 
-TEST_F(AdapterTest, IsNoChangeWhenWatchingBegins)
-{
-    Have(One("hci0", kOn, true));
-    ASSERT_EQ(bt_adapter_set_state_changed_cb(&AdapterTest::OnState, this), 0);
-    RunQuietly();
-    EXPECT_TRUE(states.empty());
-}
-
 TEST_F(AdapterTest, GoesAndComesWithBluetoothd)
 {
     Have(One("hci0", kOn, true));
