@@ -13,7 +13,8 @@ from vm.hci import Management
 from vm.programs import run
 from vm.tvset import LYNCTL, settings
 
-CHECKS = ["system bus", "bluetoothd", "adapter", "power", "rights", "MTU", "access point", "Wi-Fi Direct", "settings"]
+CHECKS = ["system bus", "bluetoothd", "adapter", "power", "rights", "MTU", "access point", "Wi-Fi Direct",
+          "settings"]
 MAIN_CONF = "/etc/bluetooth/main.conf"
 NOBODY = 65534
 os.environ["LYN_BT_ADAPTER"] = "hci0"
@@ -21,8 +22,9 @@ settings(channel=99)
 
 
 def doctor(*words, user=None, **environment):
+    groups = None if user is None else []
     done = subprocess.run([LYNCTL, "doctor", *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-                          timeout=30, check=False, user=user, group=user, extra_groups=None if user is None else [],
+                          timeout=30, check=False, user=user, group=user, extra_groups=groups,
                           env={**os.environ, **environment})
     print(done.stdout, done.stderr, flush=True)
     return done
@@ -32,7 +34,8 @@ def diagnosis(**how):
     """What is not good: name to (level, what is found, what mends it). Both ways of telling must say the same."""
     told = doctor("--json", **how)
     *lines, summary = [json.loads(line) for line in told.stdout.splitlines()]
-    bad = {line["check"]: (line["level"], line["found"], line["mend"]) for line in lines if line["level"] != "good"}
+    bad = {line["check"]: (line["level"], line["found"], line["mend"])
+           for line in lines if line["level"] != "good"}
     levels = [line["level"] for line in lines]
     equal((summary["problems"], summary["notes"]), (levels.count("problem"), levels.count("note")), "the summary")
     equal(told.returncode, 1 if "problem" in levels else 0, "exit status")

@@ -37,7 +37,8 @@ with scripted(feature("nodlink", "Success")) as phone:
     text = phone.wait("written", 5)["text"]
 
 run("journalctl", "--sync")
-entries = [json.loads(line) for line in run("journalctl", "-t", "LYN_SERVICE", "-o", "json").splitlines()]
+entries = [json.loads(line) for line in run("journalctl", "-t", "LYN_SERVICE", "-o", "json", "_PID=%d" % scanned,
+                                            "_PID=%d" % asked).splitlines()]
 check(entries, "there is nothing in the journal")
 for entry in entries:
     equal((entry["SYSLOG_IDENTIFIER"], entry["_COMM"]), ("LYN_SERVICE", "lynctl"), "whose line it is")

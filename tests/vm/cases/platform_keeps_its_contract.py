@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Shows: the platform keeps its contract with a real bluetoothd, wpa_supplicant and phone, and with a phone of 512 bytes
+# Shows: the platform keeps its contract with a real bluetoothd, wpa_supplicant and phone
 # Guest: bluetooth wifi
 # Limit: 240
 import os

@@ -23,7 +23,7 @@ def received(service, *words):
 
 equal(received("mirroring"), control_message(type="mirroring"), "the mirroring message")
 equal(received("mirroring", "--extra", '{"key":"valu\\u00e9","displayName":"Mine"}'),
-      control_message(type="mirroring", key="valu\u00e9", displayName="Mine"), "the mirroring message with extra data")
+      control_message(type="mirroring", key="valu\u00e9", displayName="Mine"), "the message with extra data")
 equal(received("kov"), control_message(type="kov"), "the kov message")
 equal(received("nodlink"), control_message(type="nodLink", BtMac=tv), "the nodlink message")
 equal(received("nodlink", "--nodlink-version", "3.0"), control_message(type="nodLink3.0", BtMac=tv),

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A phone inside a scripted controller: what the kernel sends to its radio is answered here, bluetoothd is the TV's
-alone. So the phone may take what bluetoothd as a phone does not, and stop in the middle of anything."""
+"""A phone inside a scripted controller: what the kernel sends to its radio is answered here, and bluetoothd is the
+TV's alone. So the phone may take what bluetoothd as a phone does not, and stop in the middle of anything."""
 import struct
 import threading
 import time
@@ -60,7 +60,8 @@ class Attributes:
                    0x10: self._read_by_type, 0x12: self._write, 0x16: self._prepare, 0x18: self._execute}
         answer = answers.get(code, lambda *_: NOT_SUPPORTED)(code, parameters)
         if isinstance(answer, int):
-            return struct.pack("<BBHB", 0x01, code, struct.unpack_from("<H", parameters.ljust(2, b"\0"))[0], answer)
+            handle = parameters[:2].ljust(2, b"\0")
+            return bytes([0x01, code, *handle, answer])
         return bytes([code + 1]) + answer
 
     def _exchange_mtu(self, _code, _parameters):

@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A phone on hci1 that is made of BlueZ's own tools, as a person would type it: bluetoothctl keeps the services and
-advertises, btmgmt advertises what needs a scan response (bluetoothctl 5.66 can put nothing but a name there).
+"""A phone on hci1 that is made of BlueZ's own tools, as a person would type it: bluetoothctl keeps the services
+and advertises, btmgmt advertises what needs a scan response (bluetoothctl 5.66 can put nothing but a name there).
 
-bluetoothctl 5.66 has no command that notifies a value of one's choice: what it notifies is each value that is written
-to its characteristic. So the characteristic asks a person for leave ("authorize"), which holds the TV's message back;
-meanwhile somebody trusted writes the answer into bluetoothctl's object on the bus, and bluetoothctl notifies it."""
+bluetoothctl 5.66 has no command that notifies a value of one's choice: what it notifies is each value that is
+written to its characteristic. So the characteristic asks a person for leave ("authorize"), which holds the TV's
+message back; meanwhile somebody trusted writes the answer into bluetoothctl's object on the bus, and bluetoothctl
+notifies it."""
 import re
 
 from gi.repository import GLib
@@ -80,11 +81,11 @@ class BluezPhone:
             self._packets = None
 
     def message(self, limit=40):
-        """The message that a TV has written, which waits for leave: its sender, its bytes, and where it was written."""
+        """The message that a TV has written, which waits for leave: sender, bytes, and where it is written."""
         sender = self._shell.expect(r"WriteValue: (\S+) offset 0 link LE$", limit)[1]
         asked = self._shell.expect(r"Authorize attribute\((\S+)\) write \(yes/no\):")
         shown = asked.string[:asked.start()]
-        rows = re.findall(r"^[^#]*# +((?:[0-9a-f]{2} ){1,16})", shown, re.MULTILINE)
+        rows = re.findall(r"^.*?\]# +((?:[0-9a-f]{2} ){1,16})", shown, re.MULTILINE)
         return sender, bytes.fromhex("".join(rows)), asked[1]
 
     def answer(self, tv, characteristic, text):

@@ -48,7 +48,8 @@ class Console:
                 self._seen += found.end()
                 return found
             if time.monotonic() > end or not self._read(0.2):
-                raise Failed("%s did not show '%s'; it showed:\n%s" % (self.name, pattern, self._shown[self._seen:]))
+                raise Failed("%s did not show '%s'; it showed:\n%s" % (
+                    self.name, pattern, self._shown[self._seen:]))
 
     def ask(self, line, pattern, limit=20):
         self.say(line)
