@@ -9,7 +9,7 @@ import time
 
 from . import initrd, machine
 
-BOOT_LIMIT = 120
+BOOT_LIMIT = 300
 
 
 class Died(Exception):
