@@ -133,6 +133,8 @@ TEST_F(AdapterTest, IsTheOneThatTheEnvironmentNames)
     ::setenv("LYN_BT_ADAPTER", "hci7", 1);
     EXPECT_EQ(Address(), "none");
     EXPECT_EQ(State(), BT_ADAPTER_DISABLED);
+    ::setenv("LYN_BT_ADAPTER", "", 1);
+    EXPECT_NE(Address(), "none") << "an empty name asks for none";
 }
 
 TEST_F(AdapterTest, IsOffWithoutBluetoothd)

@@ -84,6 +84,21 @@ TEST_F(DirectAddressTest, IsLookedForInTheSystemsFolderUnlessTheEnvironmentNames
     }
 }
 
+TEST_F(DirectAddressTest, IsMissingWhereThePathOfTheSocketIsTooLong)
+{
+    const ControlSocket socket(m_folder / "wlan0");
+    constexpr std::size_t kLongest = 107;  // of a socket's path, without its NUL
+    std::filesystem::path at = m_folder / "wlan0";
+    for (const std::size_t length : {kLongest, kLongest + 1, kLongest + 100}) {
+        const std::string name(length - m_folder.string().size() - 1, 'w');
+        std::filesystem::rename(at, m_folder / name);
+        at = m_folder / name;
+        EXPECT_EQ(Failure(), length > kLongest ? m_folder.string() + ": " + name + ": File name too long"
+                                               : std::string("found ") + ControlSocket::kAddress);
+    }
+    std::filesystem::rename(at, m_folder / "wlan0");
+}
+
 TEST_F(DirectAddressTest, IsMissingWhenTheStatusHasNone)
 {
     ControlSocket socket(m_folder / "wlan0");
