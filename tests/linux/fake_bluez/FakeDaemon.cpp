@@ -104,6 +104,8 @@ struct FakeDaemon::Inbox {
 FakeDaemon::FakeDaemon(std::string name) : m_name(std::move(name)), m_inbox(std::make_shared<Inbox>())
 {
     HandleProperties();
+    // The bus's watcher is forked: before there is a thread, whose locks it would inherit.
+    PrivateBus::Instance();
     m_thread = std::thread([this] { Work(); });
 }
 
