@@ -15,6 +15,13 @@ namespace {
 constexpr const char* kPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
 
+/// Whether somebody has the other end.
+bool IsOpen(int end)
+{
+    pollfd other{end, 0, 0};
+    return ::poll(&other, 1, 0) == 0;  // a hang-up would be told
+}
+
 }  // namespace
 
 FakeLogind::FakeLogind() : FakeDaemon("org.freedesktop.login1")
@@ -56,10 +63,13 @@ std::size_t FakeLogind::Granted() const
 std::size_t FakeLogind::Held() const
 {
     const std::lock_guard lock(m_mutex);
-    return static_cast<std::size_t>(std::count_if(m_ends.begin(), m_ends.end(), [](int end) {
-        pollfd other{end, 0, 0};
-        return ::poll(&other, 1, 0) == 0;  // a hang-up would be told
-    }));
+    return static_cast<std::size_t>(std::count_if(m_ends.begin(), m_ends.end(), &IsOpen));
+}
+
+bool FakeLogind::IsHeld(std::size_t nth) const
+{
+    const std::lock_guard lock(m_mutex);
+    return nth < m_ends.size() && IsOpen(m_ends[nth]);
 }
 
 std::string FakeLogind::Asked() const

@@ -25,6 +25,7 @@ public:
     std::size_t Granted() const;
     /// How many of them are still held.
     std::size_t Held() const;
+    bool IsHeld(std::size_t nth) const;
 
     /// The arguments of the last request, in GVariant text form.
     std::string Asked() const;

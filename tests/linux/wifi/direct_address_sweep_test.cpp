@@ -87,7 +87,7 @@ TEST_F(DirectAddressSweep, IsFoundOrNotWhateverBecomesOfTheAnswerAndFoundTheNext
         Misbehave(mishap);
         EXPECT_EQ(Finds(), mishap.harmless);
         BehaveWell();
-        EXPECT_TRUE(RunUntil([&] { return OpenFiles() == before; })) << "a descriptor is left open";
+        EXPECT_TRUE(RunUntil([&] { return OpenFiles() <= before; })) << "a descriptor is left open";
         EXPECT_TRUE(Finds()) << "the next time";
     }
 }
