@@ -120,6 +120,20 @@ TEST_F(Checks, AnAdapterIsMissing)
     EXPECT_EQ(The("power").name, "");
 }
 
+TEST_F(Checks, AnAdapterWithoutLowEnergyIsOfNoUse)
+{
+    const auto withRoles = [&](GVariant* roles) {
+        bluez->Set("/org/bluez/hci0", "org.bluez.Adapter1", "Roles", roles);
+        return The("adapter");
+    };
+    const char* const roles[] = {"central", "peripheral"};
+    EXPECT_EQ(withRoles(g_variant_new_strv(roles, 2)).level, Level::good);
+    const Check wanted{"adapter", Level::problem, "hci0, 02:00:00:00:00:10, does no Low Energy",
+                       "plug in a Bluetooth adapter that does Low Energy"};
+    EXPECT_EQ(withRoles(g_variant_new_strv(roles, 0)), wanted);
+    EXPECT_EQ(withRoles(g_variant_new_int32(5)).level, Level::good) << "a bluetoothd that does not say so";
+}
+
 TEST_F(Checks, TheAdapterThatIsAskedForIsMissing)
 {
     ::setenv("LYN_BT_ADAPTER", "hci7", 1);
@@ -229,6 +243,23 @@ TEST_F(Checks, AFileInTheWayOfTheSettingsIsNamed)
     EXPECT_EQ(The("settings"), wanted);
     ::setenv("LYN_STATE_DIR", (file + "/below/it").c_str(), 1);
     EXPECT_EQ(The("settings"), wanted);
+}
+
+TEST_F(Checks, AFileInTheWayOfTheKeysIsNamed)
+{
+    Put("state/db", "x");
+    const std::string file = (state / "db").string();
+    const Check wanted{"settings", Level::problem, file + " is no folder", "mv " + file + " " + file + ".old"};
+    EXPECT_EQ(The("settings"), wanted);
+}
+
+TEST_F(Checks, ASettingOfAnotherKindIsNamedWithItsCure)
+{
+    Put("state/db/menu/network/devicename/tv_name", "int 5\n");
+    const Check found = The("settings");
+    EXPECT_EQ(found.level, Level::problem);
+    EXPECT_NE(found.found.find("db/menu/network/devicename/tv_name"), std::string::npos) << found.found;
+    EXPECT_EQ(found.mend.rfind("lynctl settings set db/menu/network/devicename/tv_name", 0), 0U) << found.mend;
 }
 
 TEST_F(Checks, ABrokenSettingIsNamedWithItsCure)
