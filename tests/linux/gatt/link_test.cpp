@@ -183,6 +183,14 @@ TEST_F(LinuxLink, APhoneThatWasForgottenIsFoundAgain)
     EXPECT_EQ(bluez->Count("Adapter1.StopDiscovery"), 1);
 }
 
+TEST_F(LinuxLink, APhoneThatIsFoundAgainBeforeTheSearchListensIsFoundAllTheSame)
+{
+    bluez->Treat("Device1.Connect", 1, Treatment::Fails("org.freedesktop.DBus.Error.UnknownObject"));
+    Connect();
+    EXPECT_EQ(bluez->Count("Device1.Connect"), 2);
+    EXPECT_FALSE(bluez->IsDiscovering());
+}
+
 TEST_F(LinuxLink, APhoneThatWasForgottenAndIsGoneIsReportedInBoundedTime)
 {
     UseShortLimits();

@@ -21,11 +21,12 @@ void StopDiscovery(const Bus& bus, const std::string& adapterPath, ReplyHandler 
 DeviceSearch::DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, std::string devicePath, Done done)
     : m_bus(std::move(bus)),
       m_adapterPath(std::move(adapterPath)),
+      m_devicePath(std::move(devicePath)),
       m_done(std::move(done))
 {
     m_added = m_bus->OnSignal({kBluez, "/", kObjectManager, "InterfacesAdded", ""},
-                              [this, path = std::move(devicePath)](const char*, GVariant* values) {
-                                  if (ObjectWithAdded(values, kDevice) == path) {
+                              [this](const char*, GVariant* values) {
+                                  if (ObjectWithAdded(values, kDevice) == m_devicePath) {
                                       OnFound();
                                   }
                               });
@@ -62,7 +63,21 @@ void DeviceSearch::OnStarted(const Reply& reply)
         Finish();
     } else if (code != 0 && code != kBusy) {  // Busy: this process scans already.
         m_done(code);
+    } else {
+        LookOnce();
     }
+}
+
+// It may have come before its coming was listened to.
+void DeviceSearch::LookOnce()
+{
+    m_bus->Call(BluezMethod(m_devicePath, kProperties, "GetAll"), g_variant_new("(s)", kDevice),
+                TimeLimits().connect, [self = std::weak_ptr(m_self)](const Reply& reply) {
+                    const auto alive = self.lock();
+                    if (alive && reply.Ok()) {
+                        (*alive)->OnFound();
+                    }
+                });
 }
 
 void DeviceSearch::OnFound()

@@ -27,11 +27,13 @@ private:
 
     void Start();
     void OnStarted(const Reply& reply);
+    void LookOnce();
     void OnFound();
     void Finish();
 
     std::shared_ptr<Bus> m_bus;
     std::string m_adapterPath;
+    std::string m_devicePath;
     Done m_done;
     Discovery m_discovery = Discovery::asked;
     bool m_found = false;
