@@ -58,6 +58,7 @@ protected:
     {
         bluez->TreatWell();
         bluez->Return();
+        bluez->SetPowered("hci0", true);  // A look at the adapter may have met with the mishap.
         WaitForAdapter(true);
     }
 
