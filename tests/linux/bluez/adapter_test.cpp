@@ -262,6 +262,32 @@ TEST_F(AdapterTest, IsNotLostWhenBluetoothdIsTooBusyToAnswer)
     EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; })) << "asked again";
 }
 
+TEST_F(AdapterTest, IsNotLostWhenBluetoothdFailsToTellOfIt)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez->Fail("/", kManager, "GetManagedObjects", "org.bluez.Error.Failed");
+    TellChange();
+    RunQuietly();
+    EXPECT_EQ(Address(), kOn);
+    EXPECT_TRUE(states.empty());
+}
+
+TEST_F(AdapterTest, IsLookedAtAgainWhenBluetoothdFailsToTellOfIt)
+{
+    Have(One("hci0", kOn, true));
+    Watch();
+    bluez->Fail("/", kManager, "GetManagedObjects", "org.bluez.Error.Failed");
+    bluez->Signal("/org/bluez/hci0", kProperties, "PropertiesChanged",
+                  "('org.bluez.Adapter1', {'Powered': <false>}, @as [])");
+    EXPECT_TRUE(RunUntil([&] { return states == std::vector{BT_ADAPTER_DISABLED}; }));
+    RunQuietly(50);
+    Have(One("hci0", kOn, true));
+    EXPECT_TRUE(RunUntil([&] {
+        return states == std::vector{BT_ADAPTER_DISABLED, BT_ADAPTER_ENABLED};
+    })) << "although no signal says so";
+}
+
 TEST_F(AdapterTest, IsToldOnceMoreAlsoWhenOtherLooksComeBetween)
 {
     Have(One("hci0", kOn, true));

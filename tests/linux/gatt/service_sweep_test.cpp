@@ -58,7 +58,6 @@ protected:
     {
         bluez->TreatWell();
         bluez->Return();
-        bluez->SetPowered("hci0", true);  // A look at the adapter may have met with the mishap.
         WaitForAdapter(true);
     }
 

@@ -50,7 +50,6 @@ protected:
     {
         bluez->TreatWell();
         bluez->Return();
-        bluez->SetPowered("hci0", true);  // A look at the adapter may have met with the mishap.
         WaitForAdapter(true);
         RunUntil([&] { return !bluez->IsConnected(kPhone) || bt_gatt_disconnect(kPhone) != 0; });
     }

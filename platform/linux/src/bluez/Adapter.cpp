@@ -34,10 +34,10 @@ bool SomeAdapterIsAskedFor()
     return wanted != nullptr && *wanted != '\0';
 }
 
-/// A bluetoothd that is busy has not lost its adapters: what was known stays.
-bool IsLate(const Reply& reply)
+/// A bluetoothd that is there but does not tell of its adapters has not lost them: what was known stays.
+bool TellsNothing(const Reply& reply)
 {
-    return !reply.Ok() && CodeOf(*reply.error) == kNoAnswer;
+    return !reply.Ok() && CodeOf(*reply.error) != kAdapterOff;
 }
 
 std::vector<AdapterStatus> AdaptersOf(const Reply& objects)
@@ -88,7 +88,7 @@ AdapterStatus Adapter::Read(AutoStart autoStart)
         return {};
     }
     const Reply objects = bus->CallNow(AllObjects(), nullptr, kCallLimitMs, autoStart);
-    if (IsLate(objects)) {
+    if (TellsNothing(objects)) {
         return Known();
     }
     AdapterStatus status = Choose(objects);
@@ -195,7 +195,7 @@ void Adapter::Refresh()
         return;
     }
     m_bus->Call(AllObjects(), nullptr, kCallLimitMs, [this](const Reply& objects) {
-        if (IsLate(objects)) {
+        if (TellsNothing(objects)) {
             m_refreshAgain = Timer(kRetryMs, [this] { Refresh(); });
             return;
         }

@@ -30,7 +30,8 @@ public:
     /// Begins to watch; more calls do nothing. @return 0, or kNoBus. Any thread.
     int Watch();
 
-    /// Asks BlueZ, waiting for at most kCallLimitMs; what was last known when it does not answer. Any thread.
+    /// Asks BlueZ, waiting for at most kCallLimitMs; what was last known when it answers late or with an error.
+    /// Any thread.
     AdapterStatus Read(AutoStart autoStart = AutoStart::no);
 
     /// What was last known. Any thread.
@@ -69,7 +70,7 @@ private:
     bool m_owesReport = false;  ///< changed or not
     std::vector<Subscription> m_subscriptions;
     Timer m_retry;         ///< of watching
-    Timer m_refreshAgain;  ///< after an answer that did not come
+    Timer m_refreshAgain;  ///< after a look that told nothing
 };
 
 }  // namespace lyn::linux_platform
