@@ -37,3 +37,11 @@ if(LYN_COVERAGE)
         -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic)
     target_link_options(lyn_counted INTERFACE -fprofile-instr-generate)
 endif()
+
+# lyn_precompiled: linked PRIVATE by targets of many sources. Off in the GCC builds, as for a stranger: it must not hide
+# that a source includes too little.
+add_library(lyn_precompiled INTERFACE)
+if(LYN_PRECOMPILE)
+    target_precompile_headers(lyn_precompiled INTERFACE
+        <algorithm> <array> <functional> <map> <memory> <mutex> <optional> <string> <string_view> <utility> <vector>)
+endif()
