@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # Shows: bluetoothd killed during scan, connect, write and wait: one result each, and all is well after its restart
-# Guest: bluetooth wifi, alone
+# Guest: bluetooth wifi, last
 # Limit: 240
 import os
 import signal

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # Shows: lynctl doctor finds everything well, and then each thing that was broken, with the command that mends it
-# Guest: bluetooth wifi, alone
+# Guest: bluetooth wifi, last
 import glob
 import json
 import os

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # Shows: 1,000 adverts in a second for 20 s: the phones among them are found, and memory does not grow
-# Guest: bluetooth, alone
+# Guest: bluetooth, last
 import os
 import time
 

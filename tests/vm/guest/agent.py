@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Runs the cases in the guest, one after the other, and tells the host over the second serial line.
+"""Runs the cases that the host names, one after the other, and tells it how they went, over the second serial line.
 
 usage: agent.py FOLDER    with plan.json; gets the logs"""
 import json
@@ -25,16 +25,23 @@ SHOWN_LINES = 40
 
 
 class Host:
-    """The host hears one JSON object in a line."""
+    """Both sides say one JSON object in a line."""
 
     def __init__(self):
-        self._line = os.open("/dev/ttyS1", os.O_WRONLY | os.O_NOCTTY)
+        self._line = os.open("/dev/ttyS1", os.O_RDWR | os.O_NOCTTY)
         tty.setraw(self._line, termios.TCSANOW)
 
     def tell(self, **event):
         data = json.dumps(event).encode() + b"\n"
         while data:
             data = data[os.write(self._line, data):]
+
+    def hear(self):
+        """What the host says next. It ends the guest when it has nothing more to say."""
+        data = b""
+        while not data.endswith(b"\n"):
+            data += os.read(self._line, 1)
+        return json.loads(data)
 
 
 def in_child(work, log, limit):
@@ -87,13 +94,11 @@ class Agent:
             self._host.tell(event="broken", text=str(reason))
             return
         self._host.tell(event="ready")
-        for case in self._plan["cases"]:
-            self._host.tell(event="begin", name=case["name"])
-            if not self._case(case, running):
-                break
+        while True:
+            self._case(self._host.hear(), running)
 
     def _case(self, case, running):
-        """Tells how the case went. False when the guest is not clean any more."""
+        """Tells how the case went, and whether the guest is still clean."""
         folder = os.path.join(self._folder, case["name"])
         log = os.path.join(folder, "case.log")
         os.makedirs(folder)
@@ -106,13 +111,13 @@ class Agent:
             runpy.run_path(case["path"], run_name="__main__")
 
         failure = in_child(work, log, case["limit"])
-        left = self._left(before, folder, running, case == self._plan["cases"][-1])
+        left = self._left(before, folder, running, case["last"])
         self._host.tell(event="end", passed=failure is None and not left, seconds=time.monotonic() - begun,
                         clean=not left, text=self._text(failure, left, log))
-        return not left
 
     def _left(self, before, folder, running, last):
-        """What the case left behind. Nobody minds the state of daemons and radio after the last case."""
+        """What the case left behind. Nobody minds the state of daemons and radio after the
+        guest's last case."""
         new = {} if "systemd" in self._plan["needs"] else {  # systemd starts what it likes
             number: command for number, command in clean.processes().items() if number not in before}
         left = ["process still runs: " + command for command in new.values()]

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""One guest: a kernel with the host's files as its root, which runs some cases and tells how they go."""
+"""One guest: a kernel with the host's files as its root, which runs cases and tells how they went."""
 import json
 import os
 import select
@@ -39,13 +39,14 @@ class Guest:
         image = os.path.join(self._folder, "initrd.gz")
         initrd.build(image, machine.kernel(), os.path.join(here, "initrd-init"))
         with open(os.path.join(self._folder, "qemu.log"), "wb") as log:
-            self._process = subprocess.Popen(self._command(image), stdin=subprocess.DEVNULL,
+            self._process = subprocess.Popen(self._command(image), stdin=subprocess.PIPE,
                                              stdout=subprocess.PIPE, stderr=log)
         return self
 
     def __exit__(self, *_):
         self._process.kill()
         self._process.wait()
+        self._process.stdin.close()
         self._process.stdout.close()
         os.remove(os.path.join(self._folder, "initrd.gz"))
 
@@ -62,6 +63,14 @@ class Guest:
                 "-virtfs", "local,path=/,mount_tag=host,security_model=passthrough,readonly=on,multidevs=remap",
                 "-virtfs", "local,path=%s,mount_tag=results,security_model=none" % self._folder,
                 "-device", "virtio-rng-pci"]
+
+    def begin(self, case):
+        """Lets a case begin. Its end is the next event."""
+        told = {"name": case.name, "path": case.path, "limit": case.limit, "last": case.last}
+        try:
+            os.write(self._process.stdin.fileno(), json.dumps(told).encode() + b"\n")
+        except BrokenPipeError:
+            raise Died(self._last_words()) from None
 
     def event(self, limit):
         """What the guest tells next, a dictionary."""
