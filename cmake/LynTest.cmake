@@ -57,6 +57,14 @@ function(lyn_add_test)
     endforeach()
 endfunction()
 
+# Lets a library of the tests, or a program that is no test, use the headers that lyn_test_main has precompiled.
+function(lyn_use_test_headers target)
+    target_precompile_headers(${target} REUSE_FROM lyn_test_main)
+    # Compiled as they are, or they would not do.
+    target_compile_options(${target} PRIVATE -pthread)
+    target_link_libraries(${target} PRIVATE GTest::gmock GTest::gtest)
+endfunction()
+
 function(lyn_add_program_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TIMEOUT" "COMMAND;LABELS")
     if(NOT arg_TIMEOUT)
