@@ -17,7 +17,7 @@ with scripted(feature("mirroring", "Success")) as phone:
     with Program("first.out", os.path.join(BUILD, "bin", "example_first"), environment={
             "LD_LIBRARY_PATH": os.path.join(BUILD, "lib", "lyn", "linux"), "LYN_BT_ADAPTER": "hci0",
             "LYN_LOG_LEVEL": "none"}) as program:
-        equal(program.wait(60), 0, "status of the program")
+        equal(program.status(60), 0, "status of the program")
         wanted = "found Kitchen at %s\nthe phone says: Success\n" % address
         equal(program.output(), wanted, "what the program prints")
     phone.wait("written", 5)

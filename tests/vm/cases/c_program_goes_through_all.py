@@ -65,5 +65,5 @@ with scripted(feature("mirroring", "Success", {"kind": "silent"}, "NotTap")) as 
         phone.wait("written", 40)
         os.kill(program.pid, signal.SIGUSR1)
         phone.wait("written", 40)
-        equal(program.wait(60), 0, "status of the program")
+        equal(program.status(60), 0, "status of the program")
         equal(program.output().splitlines(), WANTED.splitlines(), "what the program sees")

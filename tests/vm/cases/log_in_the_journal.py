@@ -20,7 +20,7 @@ def lynctl(*words):
     """Without anything said about the log, as on any machine."""
     with Program("lynctl.out", LYNCTL, *words, "--platform", "linux", environment={
             "LYN_BT_ADAPTER": "hci0", "LYN_LOG_TARGET": "", "LYN_LOG_LEVEL": "debug"}) as program:
-        status = program.wait(60)
+        status = program.status(60)
         if status != 0:
             print(run("journalctl", "-o", "short-monotonic", "-n", "60"))
         equal(status, 0, "status of lynctl %s" % words[0])

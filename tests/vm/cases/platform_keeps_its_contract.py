@@ -24,7 +24,7 @@ def keeps(what, tests, phone, adapter):
                      "LYN_CONTRACT_PHONE": phone, "LYN_CONTRACT_ABSENT_PHONE": "C0:00:00:00:DE:AD",
                      "LYN_CONTRACT_SERVICE": SERVICE, "LYN_CONTRACT_CHARACTERISTIC": CHARACTERISTIC,
                      "LYN_CONTRACT_QUIET_MS": "300", "LYN_LOG_LEVEL": "none"}) as program:
-        status = program.wait(200)
+        status = program.status(200)
         output = program.output()
         print(output)
         equal(status, 0, "status of the contract test, " + what)

@@ -9,32 +9,22 @@ import subprocess
 import time
 
 from .checks import Failed
+from .programs import Child
 
 _STEERING = re.compile(r"\x1b\[[0-9;?]*[A-Za-z]|\x1b[=>]|[\x01\x02\r]")
 
 
-class Console:
+class Console(Child):
     """A program at a terminal of its own. What it shows is also the file NAME.out."""
 
     def __init__(self, name, *words):
-        self.name = name
         self._shown = ""
         self._seen = 0
         self._log = open(name + ".out", "w", encoding="utf-8")
         self._terminal, its_end = pty.openpty()
-        self._process = subprocess.Popen(words, stdin=its_end, stdout=its_end, stderr=its_end,
-                                         start_new_session=True)
+        super().__init__(name, subprocess.Popen(words, stdin=its_end, stdout=its_end, stderr=its_end,
+                                                start_new_session=True))
         os.close(its_end)
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.stop()
-
-    @property
-    def pid(self):
-        return self._process.pid
 
     def say(self, line):
         os.write(self._terminal, line.encode() + b"\n")
@@ -61,18 +51,14 @@ class Console:
             pass
         return self._shown
 
-    def stop(self):
+    def stop(self, how=signal.SIGTERM, limit=10):
         if self._log.closed:
-            return
-        if self._process.poll() is None:
-            self._process.send_signal(signal.SIGTERM)
+            return self._process.returncode
         try:
-            self._process.wait(10)
-        except subprocess.TimeoutExpired:
-            self._process.kill()
-            self._process.wait()
-        self._log.close()
-        os.close(self._terminal)
+            return super().stop(how, limit)
+        finally:
+            self._log.close()
+            os.close(self._terminal)
 
     def _read(self, seconds):
         """Reads what is there; False when the program has closed its terminal."""

@@ -19,15 +19,12 @@ def run(*words, limit=30, status=0):
     return done.stdout
 
 
-class Program:
-    """A program that goes on. Its output is the file LOG. Ended with SIGTERM by stop(), or with `with`."""
+class Child:
+    """A process that goes on. Ended with SIGTERM by stop(), or with `with`."""
 
-    def __init__(self, log, *words, environment=None):
-        self.log = os.path.abspath(log)
-        with open(self.log, "ab") as output:
-            self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                             env={**os.environ, **(environment or {})})
-        self._words = words
+    def __init__(self, name, process):
+        self.name = name
+        self._process = process
 
     def __enter__(self):
         return self
@@ -41,50 +38,47 @@ class Program:
 
     def runs(self):
         return self._process.poll() is None
-
-    def output(self):
-        with open(self.log, encoding="utf-8", errors="replace") as file:
-            return file.read()
 
     def stop(self, how=signal.SIGTERM, limit=10):
         """Ends it, and gives its exit status back."""
         if self.runs():
             self._process.send_signal(how)
-        return self.wait(limit)
+        return self.status(limit)
 
-    def wait(self, limit):
+    def status(self, limit):
+        """Waits for its end, and gives its exit status back."""
         try:
             return self._process.wait(limit)
         except subprocess.TimeoutExpired:
             self._process.kill()
             self._process.wait()
-            raise Failed("%s did not end within %d s" % (self._words[0], limit)) from None
+            raise Failed("%s did not end within %d s" % (self.name, limit)) from None
 
 
-class Teller:
+class Program(Child):
+    """A program whose output is the file LOG."""
+
+    def __init__(self, log, *words, environment=None):
+        self.log = os.path.abspath(log)
+        with open(self.log, "ab") as output:
+            super().__init__(words[0], subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=output, stderr=output,
+                                                        env={**os.environ, **(environment or {})}))
+
+    def output(self):
+        with open(self.log, encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+
+class Teller(Child):
     """A program that tells what happens as lines of JSON."""
 
     def __init__(self, name, *words, environment=None):
-        self.name = name
         self.events = []
         self._seen = 0
         self._unread = b""
         with open(name + ".err", "ab") as errors:
-            self._process = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                             stderr=errors, env={**os.environ, **(environment or {})})
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.stop()
-
-    @property
-    def pid(self):
-        return self._process.pid
-
-    def runs(self):
-        return self._process.poll() is None
+            super().__init__(name, subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                                    stderr=errors, env={**os.environ, **(environment or {})}))
 
     def errors(self):
         with open(self.name + ".err", encoding="utf-8", errors="replace") as file:
@@ -117,19 +111,12 @@ class Teller:
                 self.stop(signal.SIGKILL)
                 raise Failed("%s did not end within %d s; it told:\n%s" % (
                     self.name, limit, "\n".join(map(str, self.events))))
-        return self._process.wait(10)
+        return self.status(10)
 
     def stop(self, how=signal.SIGTERM, limit=10):
         if self._process.stdout.closed:
             return self._process.returncode
-        if self.runs():
-            self._process.send_signal(how)
-        try:
-            status = self._process.wait(limit)
-        except subprocess.TimeoutExpired:
-            self._process.kill()
-            self._process.wait()
-            raise Failed("%s did not end within %d s" % (self.name, limit)) from None
+        status = super().stop(how, limit)
         while self._read(0.1):
             pass
         self._process.stdout.close()
