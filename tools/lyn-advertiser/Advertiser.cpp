@@ -2,6 +2,8 @@
 #include "Advertiser.h"
 
 #include <exception>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace lyn::advertiser {
@@ -21,6 +23,18 @@ constexpr int kLongestInterval = 10240;  // what a controller can do
 std::string TriggerKey(const std::string& feature)
 {
     return "memory/org.nuvex.bleapp/" + feature + "_trigger";
+}
+
+/// In milliseconds; 0 is off, as is a key that nobody has written.
+unsigned ReadInterval(const SettingsStore& store, const std::string& key)
+{
+    const Setting value = store.Read(key).value_or(0);
+    const int* const interval = std::get_if<int>(&value);
+    if (interval == nullptr || *interval < 0 || *interval > kLongestInterval) {
+        throw std::runtime_error(key + ": " + (interval != nullptr ? std::to_string(*interval) : "a text") +
+                                 " is no interval: 0 (off) to " + std::to_string(kLongestInterval) + " ms");
+    }
+    return static_cast<unsigned>(*interval);
 }
 
 }  // namespace
@@ -45,21 +59,25 @@ void Advertiser::Update()
     }
 }
 
-unsigned Advertiser::WantedInterval(const std::string& feature) const
+unsigned Advertiser::WantedInterval(const std::string& name, Feature& feature) const
 {
+    std::string complaint;
+    unsigned interval = 0;
     try {
-        const auto value = m_store.Read(TriggerKey(feature));
-        const int interval = value && std::holds_alternative<int>(*value) ? std::get<int>(*value) : 0;
-        return interval > 0 && interval <= kLongestInterval ? static_cast<unsigned>(interval) : 0;
+        interval = ReadInterval(m_store, TriggerKey(name));
     } catch (const std::exception& error) {
-        m_tell({feature, "failed", 0, error.what()});
-        return 0;
+        complaint = error.what();
     }
+    if (!complaint.empty() && complaint != feature.complaint) {
+        m_tell({name, "failed", 0, complaint});
+    }
+    feature.complaint = complaint;
+    return interval;
 }
 
 void Advertiser::UpdateFeature(const std::string& name, Feature& feature, const AdapterStatus& adapter)
 {
-    const unsigned wanted = adapter.powered ? WantedInterval(name) : 0;
+    const unsigned wanted = adapter.powered ? WantedInterval(name, feature) : 0;
     if (wanted == feature.interval && (wanted == 0 || adapter.path == feature.adapter)) {
         return;
     }

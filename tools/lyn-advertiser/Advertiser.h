@@ -22,8 +22,9 @@ struct News {
     std::string reason;  ///< why it failed
 };
 
-/// Keeps the TV's advertisements as the trigger settings say: 0 or nothing is off, any other number the interval
-/// in milliseconds. Again after bluetoothd or the adapter was away. On the main context.
+/// Keeps the TV's advertisements as the trigger settings say: 0 or nothing is off, another number the interval in
+/// milliseconds; what is no interval is told once, and off. Again after bluetoothd or the adapter was away. On the
+/// main context.
 class Advertiser {
 public:
     Advertiser(const Config& config, const linux_platform::SettingsStore& store,
@@ -40,9 +41,10 @@ private:
         unsigned attempt = 0;  ///< the number of that advertisement
         unsigned interval = 0;
         std::string adapter;
+        std::string complaint;  ///< what was told of a setting that is no interval
     };
 
-    unsigned WantedInterval(const std::string& feature) const;
+    unsigned WantedInterval(const std::string& name, Feature& feature) const;
     void UpdateFeature(const std::string& name, Feature& feature, const linux_platform::AdapterStatus& adapter);
     void OnNews(const std::string& name, unsigned attempt, const std::string& error);
 

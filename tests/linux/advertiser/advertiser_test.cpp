@@ -151,10 +151,25 @@ TEST_F(AdvertiserTest, WhatIsNoIntervalIsOff)
         store.Write(kMirroring, value);
         EXPECT_TRUE(IsOnAir({})) << linux_platform::LineOf(value);
     }
+    const std::string complaint = R"("reason":")" + std::string(kMirroring) + ": ";
+    for (const char* const found : {"-1", "10241", "2147483647", "-2147483648", "a text"}) {
+        EXPECT_TRUE(program->WaitFor(complaint + found + " is no interval: 0 (off) to 10240 ms"));
+    }
+    EXPECT_EQ(program->Count(complaint), 6U) << "twice a text; 0 is one";
     store.Write(kMirroring, 10'240);
     EXPECT_TRUE(RunUntil([&] { return advertising->Property("mirroring", "MinInterval") == "uint32 10240"; }));
     store.Write(kMirroring, 1);
     EXPECT_TRUE(RunUntil([&] { return advertising->Property("mirroring", "MinInterval") == "uint32 1"; }));
+}
+
+TEST_F(AdvertiserTest, WhatIsNoIntervalIsToldOnce)
+{
+    RunMirroring();
+    store.Write(kMirroring, -5);
+    ASSERT_TRUE(program->WaitFor("is no interval"));
+    store.Write(kKov, 200);
+    ASSERT_TRUE(program->WaitFor(News("kov", "on", 200)));
+    EXPECT_EQ(program->Count("is no interval"), 1U);
 }
 
 TEST_F(AdvertiserTest, ASettingThatIsRemovedOrBrokenIsOff)
