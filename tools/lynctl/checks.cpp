@@ -196,31 +196,36 @@ Check CheckDirectAddress()
     }
 }
 
-/// The deepest folder of a path that is there.
-fs::path Existing(fs::path folder)
+/// How far a path leads: the deepest folder that is there, and the first one that is missing below it, if any is.
+struct Reach {
+    fs::path there;
+    fs::path missing;
+};
+
+Reach ReachOf(const fs::path& folder)
 {
     std::error_code error;
-    folder = fs::absolute(folder, error);
-    while (!fs::exists(folder, error) && folder.has_relative_path()) {
-        folder = folder.parent_path();
+    Reach reach{fs::absolute(folder, error), {}};
+    while (!fs::exists(reach.there, error) && reach.there.has_relative_path()) {
+        reach.missing = reach.there;
+        reach.there = reach.there.parent_path();
     }
-    return folder;
+    return reach;
 }
 
 /// What keeps a setting from being written, and what mends that; none when nothing does.
 std::optional<Check> WhatKeepsFromWriting(const SettingsStore& store, const char* key)
 {
-    const fs::path folder = store.FileOf(key).parent_path();
-    const fs::path deepest = Existing(folder);
+    const Reach reach = ReachOf(store.FileOf(key).parent_path());
+    const std::string there = reach.there.string();
     std::error_code error;
-    if (!fs::is_directory(deepest, error)) {
-        return Check{kSettings, Level::problem, deepest.string() + " is no folder",
-                     "mv " + deepest.string() + " " + deepest.string() + ".old"};
+    if (!fs::is_directory(there, error)) {
+        return Check{kSettings, Level::problem, there + " is no folder", "mv " + there + " " + there + ".old"};
     }
-    if (::access(deepest.c_str(), W_OK) != 0) {
-        return Check{kSettings, Level::problem, deepest.string() + " cannot be written",
-                     deepest == folder ? "sudo chown -R $USER " + deepest.string()
-                                       : "sudo install -d -o $USER " + folder.string()};
+    if (::access(there.c_str(), W_OK) != 0) {
+        return Check{kSettings, Level::problem, there + " cannot be written",
+                     reach.missing.empty() ? "sudo chown -R $USER " + there
+                                           : "sudo install -d -o $USER " + reach.missing.string()};
     }
     return std::nullopt;
 }

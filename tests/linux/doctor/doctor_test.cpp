@@ -152,7 +152,8 @@ TEST_F(Doctor, AFolderThatCannotBeWrittenIsAProblem)
     const Result result = Run({"--json"});
     EXPECT_EQ(Levels(result.output)["settings"], "problem") << result.output;
     EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.output.find("sudo install -d -o $USER " + (locked / "lyn").string()), std::string::npos)
+    EXPECT_NE(result.output.find("sudo install -d -o $USER " + (locked / "lyn").string() + "\""),
+              std::string::npos)
         << result.output;
 }
 

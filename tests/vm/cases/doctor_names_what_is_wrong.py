@@ -108,7 +108,7 @@ UNPRIVILEGED = {
                      "start wpa_supplicant with ctrl_interface=DIR=/run/wpa_supplicant, "
                      "and join the group of that folder"),
     "settings": ("problem", os.path.dirname(SETTINGS) + " cannot be written",
-                 "sudo install -d -o $USER %s/db/menu/network/devicename" % SETTINGS)}
+                 "sudo install -d -o $USER " + SETTINGS)}
 finds(UNPRIVILEGED, user=NOBODY)
 
 configure("[General]\n")
