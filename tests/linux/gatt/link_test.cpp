@@ -40,6 +40,7 @@ protected:
         bluez->ChangePhone({});
         Connect();
     }
+    static void HearNothing(int, bt_adapter_le_device_scan_result_info_s*, void*) {}
 };
 
 TEST_F(LinuxLink, IsReportedOnceWhenTheServicesAreResolved)
@@ -213,6 +214,53 @@ TEST_F(LinuxLink, AScanOfThisProcessServesToFindAPhoneAndGoesOn)
     ASSERT_TRUE(WaitForReports(1));
     EXPECT_EQ(reports[0].result, 0);
     EXPECT_EQ(bluez->Count("Adapter1.StopDiscovery"), 0);
+}
+
+TEST_F(LinuxLink, AScanThatBeginsDuringASearchGoesOnAfterIt)
+{
+    bluez->ChangePhone({.inReach = false});
+    bluez->ForgetPhone(kPhone);
+    EXPECT_EQ(Begin(), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->IsDiscovering(); }));
+    ASSERT_EQ(bt_adapter_le_start_scan(&HearNothing, nullptr), 0);
+    bluez->AddPhone({});
+    ASSERT_TRUE(WaitForReports(1));
+    EXPECT_EQ(reports[0].result, 0);
+    EXPECT_TRUE(bluez->IsDiscovering());
+    EXPECT_EQ(bt_adapter_le_stop_scan(), 0);
+    EXPECT_TRUE(RunUntil([&] { return !bluez->IsDiscovering(); }));
+}
+
+TEST_F(LinuxLink, AScanThatBeginsDuringASearchGoesOnWhenTheSearchIsGivenUp)
+{
+    UseShortLimits();
+    bluez->ChangePhone({.inReach = false});
+    bluez->ForgetPhone(kPhone);
+    EXPECT_EQ(Begin(), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->IsDiscovering(); }));
+    ASSERT_EQ(bt_adapter_le_start_scan(&HearNothing, nullptr), 0);
+    ASSERT_TRUE(WaitForReports(1));
+    EXPECT_EQ(reports[0].result, kConnectTimedOut);
+    RunQuietly();
+    EXPECT_TRUE(bluez->IsDiscovering());
+    EXPECT_EQ(bt_adapter_le_stop_scan(), 0);
+    EXPECT_TRUE(RunUntil([&] { return !bluez->IsDiscovering(); }));
+}
+
+TEST_F(LinuxLink, ASearchGoesOnWhenTheScanThatServesItEnds)
+{
+    ASSERT_EQ(bt_adapter_le_start_scan(&HearNothing, nullptr), 0);
+    bluez->ChangePhone({.inReach = false});
+    bluez->ForgetPhone(kPhone);
+    EXPECT_EQ(Begin(), 0);
+    ASSERT_TRUE(RunUntil([&] { return bluez->Count("Adapter1.StartDiscovery") == 2; }));
+    EXPECT_EQ(bt_adapter_le_stop_scan(), 0);
+    ASSERT_TRUE(RunUntil([&] { return !bluez->IsDiscovering(); }));
+    ASSERT_TRUE(RunUntil([&] { return bluez->IsDiscovering(); }));
+    bluez->AddPhone({});
+    ASSERT_TRUE(WaitForReports(1));
+    EXPECT_EQ(reports[0].result, 0);
+    EXPECT_FALSE(bluez->IsDiscovering()) << "the discovery ends before the connect";
 }
 
 TEST_F(LinuxLink, ADiscoveryThatIsRefusedFailsTheConnectWithItsCode)

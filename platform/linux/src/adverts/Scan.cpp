@@ -72,6 +72,11 @@ int Scan::Stop()
     return 0;
 }
 
+bool Scan::IsOn() const
+{
+    return m_slot.Id() != 0;
+}
+
 void Scan::Listen(const std::string& adapterPath)
 {
     const auto index = HciIndex(adapterPath.c_str());

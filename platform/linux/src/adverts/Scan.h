@@ -21,6 +21,8 @@ public:
     int Start(bt_adapter_le_scan_result_cb callback, void* userData);
     int Stop();
 
+    bool IsOn() const;
+
 private:
     Scan();
 

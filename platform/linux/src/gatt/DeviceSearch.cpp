@@ -4,12 +4,21 @@
 #include <utility>
 
 #include "Codes.h"
+#include "adverts/Scan.h"
 #include "bluez/Bluez.h"
 #include "gatt/Limits.h"
 
 namespace lyn::linux_platform {
 
 namespace {
+
+constexpr unsigned kAskAgainMs = 2000;
+
+/// bluetoothd has one discovery for all of this process: a scan that has begun meanwhile needs it now.
+bool IsNeededByAScan()
+{
+    return Scan::Instance().IsOn();
+}
 
 void StopDiscovery(const Bus& bus, const std::string& adapterPath, ReplyHandler done)
 {
@@ -35,7 +44,8 @@ DeviceSearch::DeviceSearch(std::shared_ptr<Bus> bus, std::string adapterPath, st
 
 DeviceSearch::~DeviceSearch()
 {
-    if (m_discovery == Discovery::asked || m_discovery == Discovery::ours) {
+    const bool mayBeOurs = m_asking || m_discovery == Discovery::ours;
+    if (mayBeOurs && !IsNeededByAScan()) {
         StopDiscovery(*m_bus, m_adapterPath, [](const Reply&) {});
     }
 }
@@ -44,11 +54,17 @@ void DeviceSearch::Start()
 {
     m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "SetDiscoveryFilter"), DiscoveryFilter(),
                 TimeLimits().connect, [](const Reply&) {});
+    Ask();
+}
+
+void DeviceSearch::Ask()
+{
+    m_asking = true;
     m_bus->Call(BluezMethod(m_adapterPath, kAdapter, "StartDiscovery"), nullptr, TimeLimits().connect,
                 [self = std::weak_ptr(m_self), bus = m_bus, path = m_adapterPath](const Reply& reply) {
                     if (const auto alive = self.lock()) {
                         (*alive)->OnStarted(reply);
-                    } else if (reply.Ok()) {
+                    } else if (reply.Ok() && !IsNeededByAScan()) {
                         // BlueZ refuses to stop what is still starting.
                         StopDiscovery(*bus, path, [](const Reply&) {});
                     }
@@ -57,14 +73,22 @@ void DeviceSearch::Start()
 
 void DeviceSearch::OnStarted(const Reply& reply)
 {
-    m_discovery = reply.Ok() ? Discovery::ours : Discovery::ofOthers;
+    m_asking = false;
     const int code = reply.Ok() ? 0 : CodeOf(*reply.error);
+    const bool first = m_discovery == Discovery::unknown;
+    if (code == 0) {
+        m_discovery = Discovery::ours;
+    } else if (first) {
+        m_discovery = Discovery::ofOthers;  // Busy: this process scans already.
+    }
     if (m_found) {
         Finish();
-    } else if (code != 0 && code != kBusy) {  // Busy: this process scans already.
+    } else if (first && code != 0 && code != kBusy) {
         m_done(code);
     } else {
         LookOnce();
+        // A scan that serves ends the discovery when it ends.
+        m_askAgain = Timer(kAskAgainMs, [this] { Ask(); });
     }
 }
 
@@ -82,14 +106,15 @@ void DeviceSearch::LookOnce()
 
 void DeviceSearch::OnFound()
 {
-    if (!std::exchange(m_found, true) && m_discovery != Discovery::asked) {
+    if (!std::exchange(m_found, true) && !m_asking) {
         Finish();
     }
 }
 
 void DeviceSearch::Finish()
 {
-    if (m_discovery != Discovery::ours) {
+    m_askAgain = {};
+    if (m_discovery != Discovery::ours || IsNeededByAScan()) {
         m_done(0);
         return;
     }

@@ -6,11 +6,12 @@
 #include <string>
 
 #include "bus/Bus.h"
+#include "loop/MainContext.h"
 
 namespace lyn::linux_platform {
 
 /// Lets BlueZ discover until it knows a device again. It forgets devices half a minute after a discovery. Ends
-/// when it is destroyed, and leaves no discovery behind; a scan that runs already serves as well, and goes on. On
+/// when it is destroyed, and leaves no discovery behind; a scan of this process serves as well, and goes on. On
 /// the main context.
 class DeviceSearch {
 public:
@@ -23,9 +24,10 @@ public:
     DeviceSearch& operator=(const DeviceSearch&) = delete;
 
 private:
-    enum class Discovery { asked, ours, ofOthers, stopped };
+    enum class Discovery { unknown, ours, ofOthers, stopped };
 
     void Start();
+    void Ask();
     void OnStarted(const Reply& reply);
     void LookOnce();
     void OnFound();
@@ -35,8 +37,10 @@ private:
     std::string m_adapterPath;
     std::string m_devicePath;
     Done m_done;
-    Discovery m_discovery = Discovery::asked;
+    Discovery m_discovery = Discovery::unknown;
+    bool m_asking = false;
     bool m_found = false;
+    Timer m_askAgain;
     Subscription m_added;
     /// Lets answers find out that the search is over.
     std::shared_ptr<DeviceSearch*> m_self = std::make_shared<DeviceSearch*>(this);
