@@ -27,9 +27,8 @@ std::string Cure(int error)
                ", or AmbientCapabilities=CAP_NET_RAW in the systemd unit";
     }
     if (error == EAFNOSUPPORT) {
-        return ". Bluetooth sockets are kept away: by RestrictAddressFamilies= or PrivateNetwork= of the systemd "
-               "unit, "
-               "by a container, or by a kernel without Bluetooth";
+        return ". Bluetooth sockets are kept away: by RestrictAddressFamilies= or PrivateNetwork= of the "
+               "systemd unit, by a container, or by a kernel without Bluetooth";
     }
     return "";
 }
@@ -40,9 +39,8 @@ std::string FallbackText(int error)
 {
     const std::string reason = error == EPERM ? "CAP_NET_RAW is missing" : std::generic_category().message(error);
     return "no raw HCI socket (" + reason +
-           "): adverts come over D-Bus, where a phone's scan response replaces its advertising packet, so "
-           "mirroring "
-           "and Kov phones are found late or never" +
+           "): adverts come over D-Bus, where a phone's scan response replaces its advertising packet, "
+           "so mirroring and Kov phones are found late or never" +
            Cure(error);
 }
 
