@@ -62,8 +62,9 @@ class Screen:
             self.column += 1
 
 
-def on_terminal(*words, columns=110, rows=40, press_when=None, **changes):
-    """Runs on a terminal; presses Ctrl-C once the output holds `press_when`. Gives status and output."""
+def on_terminal(*words, columns=110, rows=40, press_when=None, unread=0, modes=None, **changes):
+    """Runs on a terminal; presses Ctrl-C once the output holds `press_when`, and has not been read for so many
+    seconds. `modes` gets the terminal's local modes after each piece of output. Gives status and output."""
     variables = environment(**{"TERM": "xterm", **changes})
     pid, terminal = pty.fork()
     if pid == 0:
@@ -81,7 +82,11 @@ def on_terminal(*words, columns=110, rows=40, press_when=None, **changes):
             out += os.read(terminal, 65536)
         except OSError:  # the other end is closed
             break
+        finally:
+            if modes is not None:
+                modes.append(termios.tcgetattr(terminal)[3])
         if press_when and press_when in out.decode("utf-8", "ignore"):
+            time.sleep(unread)
             os.write(terminal, b"\x03")
             press_when = None
     else:
@@ -122,6 +127,20 @@ class LiveTable(unittest.TestCase):
         screen = Screen(out)
         self.assertTrue(screen.cursor)
         self.assertIn("(stopped by a signal)", screen.lines[-2])
+
+    def test_ctrl_c_loses_nothing_that_is_on_its_way(self):
+        _, out = on_terminal("scan", "mirroring", "--seconds", "0", "--scenario", scenario("results"),
+                             press_when="Away", unread=0.7)
+        screen = Screen(out)
+        self.assertEqual(sum("NAME" in line for line in screen.lines), 1)
+        self.assertIn("(stopped by a signal)", screen.lines[-2])
+
+    def test_the_terminal_has_its_modes_back(self):
+        for press_when in ("Away", None):
+            modes = []
+            on_terminal(*self.SCAN, press_when=press_when, modes=modes)
+            self.assertTrue(any(mode & termios.NOFLSH for mode in modes))
+            self.assertFalse(modes[-1] & termios.NOFLSH)
 
     def test_colours_are_left_out_on_demand(self):
         self.assertGreater(Screen(on_terminal(*self.SCAN)[1]).colours, 0)

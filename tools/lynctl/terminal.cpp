@@ -3,6 +3,7 @@
 
 #include <langinfo.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace lynctl {
 
@@ -49,6 +51,20 @@ const char* Sequence(Style style)
     return "";
 }
 
+/// Ctrl-C takes away what is on its way to the terminal, unless this is said: the lines of a block would not be
+/// where they are looked for.
+void SetKeepsOutput(bool keeps)
+{
+    termios modes{};
+    // To set modes would stop a process in the background.
+    if (tcgetpgrp(STDOUT_FILENO) != getpgrp() || tcgetattr(STDOUT_FILENO, &modes) != 0) {
+        return;
+    }
+    const tcflag_t flag = NOFLSH;
+    modes.c_lflag = keeps ? modes.c_lflag | flag : modes.c_lflag & ~flag;
+    tcsetattr(STDOUT_FILENO, TCSANOW, &modes);
+}
+
 }  // namespace
 
 Look LookOfOutput()
@@ -82,15 +98,13 @@ void Print(const std::string& text)
 
 LiveArea::~LiveArea()
 {
-    if (m_drawn) {
-        Print(kShowCursor);
-    }
+    GiveBack();
 }
 
 void LiveArea::Draw(const std::string& block)
 {
-    std::string out = m_drawn ? "" : kHideCursor;
-    out += kNoWrap;
+    Take();
+    std::string out = kNoWrap;
     if (m_lines > 0) {
         out += "\r\x1b[" + std::to_string(m_lines) + "A";
     }
@@ -103,18 +117,33 @@ void LiveArea::Draw(const std::string& block)
     }
     out += kClearBelow;
     out += kWrap;
-    m_drawn = true;
     Print(out);
 }
 
 void LiveArea::Clear()
 {
-    if (!m_drawn) {
+    if (m_drawn) {
+        Draw("");
+    }
+    GiveBack();
+}
+
+void LiveArea::Take()
+{
+    if (std::exchange(m_drawn, true)) {
         return;
     }
-    Draw("");
+    SetKeepsOutput(true);
+    Print(kHideCursor);
+}
+
+void LiveArea::GiveBack()
+{
+    if (!std::exchange(m_drawn, false)) {
+        return;
+    }
     Print(kShowCursor);
-    m_drawn = false;
+    SetKeepsOutput(false);
 }
 
 }  // namespace lynctl

@@ -41,6 +41,9 @@ public:
     void Clear();
 
 private:
+    void Take();
+    void GiveBack();
+
     int m_lines = 0;
     bool m_drawn = false;
 };
