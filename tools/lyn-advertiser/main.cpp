@@ -20,7 +20,7 @@ constexpr const char* kDefaultConfig = "/etc/lyn/advertiser.json";
 constexpr const char* kHelp = R"(Usage: lyn-advertiser [--config FILE] [--check] [--json]
 
 Watches the settings memory/org.nuvex.bleapp/mirroring_trigger and kov_trigger, which applications of lyn_service
-write, and lets bluetoothd advertise the TV with the interval that stands there (milliseconds; 0 is off).
+write, and lets bluetoothd advertise the TV with the interval that stands there (1 to 10240 milliseconds; 0 is off).
 
   --config FILE  what the advertisements say (default /etc/lyn/advertiser.json)
   --check        only read the configuration and say what is wrong with it
