@@ -241,8 +241,8 @@ lyn_error_e lyn_stop_advertise(lyn_service_h service);
 /**
  * Sets the protocol version of the next requests of a "nodlink" service.
  *
- * @param version "2.0" or "3.0". Another text leaves as a C++ exception of type `const char *` with that
- *                text (copy it at once), null as std::logic_error.
+ * @param version "2.0" or "3.0". Another text leaves as a C++ exception of type `const char *`, which is
+ *                `version` itself; null leaves as std::logic_error.
  * @return LYN_ERROR_NOT_SUPPORTED for another service; LYN_ERROR_INVALID_HANDLE for null,
  *         LYN_ERROR_INVALID_PARAMETER for a stale handle.
  */

@@ -7,8 +7,8 @@
 #include <array>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
+#include "Common/Failure.h"
 #include "Service/DeviceText.h"
 #include "Service/ServiceManager.h"
 #include "lyn_service_log.h"
@@ -19,6 +19,14 @@ namespace {
 
 constexpr std::array<int, 5> ADV_INTERVALS = {50, 100, 150, 200, 300};
 
+// Logs a failure in the name of the exported function and turns it into what that returns.
+lyn_error_e CodeOf(const LynException& e, const char* function = __builtin_FUNCTION(), int line = __builtin_LINE())
+{
+    platform_log_print(LOG_ID_MAIN, LOG_ERROR, LOG_TAG, "%s: %s(%d) > exception: %s", BaseName(__FILE__), function,
+                       line, e.what());
+    return e.GetCode();
+}
+
 // Runs one call of the manager in the name of the exported function.
 template <typename Call>
 lyn_error_e Forward(const Call& call, const char* function = __builtin_FUNCTION(), int line = __builtin_LINE())
@@ -27,20 +35,8 @@ lyn_error_e Forward(const Call& call, const char* function = __builtin_FUNCTION(
         call(CServiceManager::GetInstance());
         return LYN_ERROR_NONE;
     } catch (const LynException& e) {
-        platform_log_print(LOG_ID_MAIN, LOG_ERROR, LOG_TAG, "%s: %s(%d) > exception: %s", BaseName(__FILE__),
-                           function, line, e.what());
-        return e.GetCode();
+        return CodeOf(e, function, line);
     }
-}
-
-int IntervalOf(lyn_adv_interval_e interval)
-{
-    const auto index = static_cast<unsigned int>(interval);  // Negative values fail too.
-    if (index >= ADV_INTERVALS.size()) {
-        LYN_LOGE("%s", "wrong interval value");
-        throw LynExceptionInvalidParam("wrong interval value");
-    }
-    return ADV_INTERVALS[index];
 }
 
 std::string TextOf(const char* text, const char* what)
@@ -51,12 +47,13 @@ std::string TextOf(const char* text, const char* what)
     return text;
 }
 
-// Returned to the caller until this thread's next call: a copy made at once reads the right text.
-const char* Lend(std::string text)
+// Returned to the caller until this thread's next call: a copy made at once reads the right text. Needs no
+// destructor, so it is there in what runs at the end of the process, too.
+const char* Lend(const std::string& text)
 {
-    thread_local std::string lent;
-    lent = std::move(text);
-    return lent.c_str();
+    thread_local std::array<char, 64> lent;
+    lent[text.copy(lent.data(), lent.size() - 1)] = '\0';
+    return lent.data();
 }
 
 }  // namespace
@@ -169,7 +166,15 @@ lyn_error_e lyn_request_initiating_with_extra_data(lyn_service_h service, const 
 lyn_error_e lyn_start_advertise(lyn_service_h service, lyn_adv_interval_e interval)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    return Forward([&](CServiceManager& manager) { manager.StartAdvertisement(service, IntervalOf(interval)); });
+    const auto index = static_cast<unsigned int>(interval);  // Negative values fail too.
+    try {
+        if (index >= ADV_INTERVALS.size()) {
+            LogAndThrow<LynExceptionInvalidParam>("wrong interval value");
+        }
+    } catch (const LynException& e) {
+        return CodeOf(e);
+    }
+    return Forward([&](CServiceManager& manager) { manager.StartAdvertisement(service, ADV_INTERVALS[index]); });
 }
 
 lyn_error_e lyn_stop_advertise(lyn_service_h service)
@@ -182,7 +187,11 @@ lyn_error_e lyn_set_nodlink_version(lyn_service_h service, const char* version)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     const std::string text = TextOf(version, "version");
-    return Forward([&](CServiceManager& manager) { manager.SetNodlinkVersion(service, text); });
+    try {
+        return Forward([&](CServiceManager& manager) { manager.SetNodlinkVersion(service, text); });
+    } catch (const char*) {
+        throw version;  // What came up may point into the copy.
+    }
 }
 
 lyn_error_e lyn_get_nodlink_type(lyn_service_h service, nod_link_type* type)
@@ -205,5 +214,5 @@ const char* lyn_get_request_initiating_error_string(lyn_service_h service, lyn_r
     if (error == LYN_ERROR_NONE) {
         LYN_LOGI("errorString : %s", text.c_str());
     }
-    return Lend(std::move(text));
+    return Lend(text);
 }

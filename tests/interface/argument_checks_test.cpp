@@ -112,10 +112,14 @@ TEST_F(ArgumentCheck, RefusesAnIntervalThatIsNoneAsAnException)
             simulator::ClearJournal();
             EXPECT_EQ(lyn_start_advertise(handle, static_cast<lyn_adv_interval_e>(interval)),
                       LYN_ERROR_INVALID_PARAMETER);
-            ASSERT_FALSE(Messages(ERROR).empty());
-            EXPECT_EQ(Messages(ERROR).back(), "exception: wrong interval value");
-            EXPECT_EQ(CountLog(ERROR, "exception: wrong interval value"), 1);
-            EXPECT_FALSE(HasLogWith(DEBUG, "CServiceManager::StartAdvertisement"));
+            EXPECT_EQ(Messages(ERROR), Texts({"wrong interval value", "exception: wrong interval value"}));
+            for (const Line& line : LogLines()) {
+                if (line.priority == ERROR) {
+                    EXPECT_EQ(line.file, "lyn_service.cpp");
+                    EXPECT_EQ(line.function, "lyn_start_advertise");
+                }
+            }
+            EXPECT_FALSE(AskedTheManager());
             EXPECT_TRUE(simulator::JournalText().empty());
         }
     }

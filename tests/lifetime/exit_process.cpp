@@ -43,11 +43,31 @@ void CheckReleased()
     Check(simulator::Alive().clients == 0 || g_productInitsExpected > 0, "a GATT client was left");
 }
 
+void CheckText(lyn_service_h service, lyn_request_initiating_result_e result, const char* expected)
+{
+    const std::string text = lyn_get_request_initiating_error_string(service, result);
+    Check(text == expected, text.c_str());
+}
+
+// What the library lends and throws, where the thread's own objects are gone already.
+void UseTexts()
+{
+    CheckText(g_service, LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_MIRRORING, "NotStartedMirroring");
+    const std::string version = "a version that no phone speaks";
+    try {
+        // Other services than "nodlink" know no version at all.
+        Check(lyn_set_nodlink_version(g_service, version.c_str()) == LYN_ERROR_NOT_SUPPORTED, "accepted");
+    } catch (const char* text) {
+        Check(text == version, "another version was thrown");
+    }
+}
+
 // An object of the application that is destroyed after the library's own, and knows nothing of that.
 struct LateOwner {
     ~LateOwner()
     {
         if (m_service != nullptr) {
+            CheckText(m_service, LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_MIRRORING, "UnknownErr");
             Check(lyn_destroy_service(m_service) == LYN_ERROR_INVALID_HANDLE, "destroyed again");
             Check(lyn_stop_scan(m_service) == LYN_ERROR_INVALID_PARAMETER, "found again");
         }
@@ -149,6 +169,13 @@ const std::map<std::string, Moment>& Moments()
          [](const char* service) {
              Create(service, nullptr);
              g_lateOwner.m_service = g_service;
+             UseTexts();
+         }},
+        {"text_at_exit",
+         [](const char* service) {
+             Create(service, nullptr);
+             UseTexts();
+             std::atexit(UseTexts);
          }},
     };
     return moments;
