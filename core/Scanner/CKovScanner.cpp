@@ -17,11 +17,6 @@ CKovScanner::CKovScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanSta
 {
 }
 
-void CKovScanner::CheckVaildAdvertisementForKov(int manufacturerId, const char* data) const
-{
-    CheckMarker(manufacturerId, data);
-}
-
 std::string CKovScanner::ConvertManufacturerDataToDeviceName(const char* data, unsigned int length)
 {
     if (length < 2) {

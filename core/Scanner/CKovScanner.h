@@ -14,8 +14,6 @@ public:
     CKovScanner();
     CKovScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb);
 
-    /// Throws LynExceptionNotValidDevice; `data` is not read for another company.
-    void CheckVaildAdvertisementForKov(int manufacturerId, const char* data) const;
     std::string ConvertManufacturerDataToDeviceName(const char* data, unsigned int length) override;
 };
 

@@ -91,60 +91,41 @@ int CNodLinkScanner::GetScreeeMirroringAvalaiable(const char* data) const
     return HasBits(data[6], 0x01) ? 1 : 0;
 }
 
-CNodLinkScanner::Kind CNodLinkScanner::GetKind(const char* data)
-{
-    if (data[KIND_OFFSET] == KIND_PHONE) {
-        return HasBits(data[5], 0x04) ? Kind::mobile : Kind::foreign;
-    }
-    const bool isAv = data[KIND_OFFSET] == KIND_AV && HasBits(data[2], 0x03) && HasBits(data[4], 0x20);
-    return isAv ? Kind::av : Kind::foreign;
-}
-
-CNodLinkScanner::Kind CNodLinkScanner::GetKind(const ManufacturerData& advertised)
-{
-    const bool isReadable = advertised.company == COMPANY_ID && advertised.length >= SHORTEST_DATA;
-    return isReadable ? GetKind(advertised.data.get()) : Kind::foreign;
-}
-
 std::string CNodLinkScanner::GetDeviceType(const char* data) const
 {
     CheckData(data);
-    switch (GetKind(data)) {
-    case Kind::mobile:
+    if (data[KIND_OFFSET] == KIND_PHONE && HasBits(data[5], 0x04)) {
         return m_MobileDeviceType;
-    case Kind::av:
+    }
+    if (data[KIND_OFFSET] == KIND_AV && HasBits(data[2], 0x03) && HasBits(data[4], 0x20)) {
         return m_AvDeviceType;
-    case Kind::foreign:
-        break;
     }
     throw LynExceptionNotValidDevice("Not Nodlink device");
 }
 
-std::string CNodLinkScanner::BuildExtraData(const char* data) const
-{
-    Json::Value extraData;
-    const std::string deviceType = GetDeviceType(data);
-    extraData["device_type"] = deviceType;
-    if (deviceType == m_MobileDeviceType) {
-        extraData["sm_available"] = GetScreeeMirroringAvalaiable(data);
-        extraData["nodlink_version"] = GetVersion(data);
-    }
-    return ToJsonText(extraData);
-}
-
 std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_info_s* info) const
 {
-    if (!HasAdvertising(*info)) {
-        throw LynExceptionNotValidDevice("adv data is nullptr");
+    if (info->adv_data == nullptr) {
+        LogAndThrow<LynExceptionNotValidDevice>("adv data is nullptr");
     }
-    const ManufacturerData advertised = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
-    if (advertised.company != COMPANY_ID) {
+    int company = 0;
+    int length = 0;
+    const std::shared_ptr<char> data =
+        GetManufDataFromScanResult(info, BT_ADAPTER_LE_PACKET_ADVERTISING, company, length);
+    if (company != COMPANY_ID) {
         throw LynExceptionNotValidDevice("Not Calyxon device");
     }
-    if (advertised.length < SHORTEST_DATA) {
+    if (length < SHORTEST_DATA) {
         throw LynExceptionNotValidDevice("Not Nodlink device");
     }
-    return BuildExtraData(advertised.data.get());
+    Json::Value extraData;
+    const std::string deviceType = GetDeviceType(data.get());
+    extraData["device_type"] = deviceType;
+    if (deviceType == m_MobileDeviceType) {
+        extraData["sm_available"] = GetScreeeMirroringAvalaiable(data.get());
+        extraData["nodlink_version"] = GetVersion(data.get());
+    }
+    return ToJsonText(extraData);
 }
 
 void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
@@ -153,18 +134,7 @@ void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_r
         return;
     }
     try {
-        if (!HasAdvertising(*info)) {
-            return;
-        }
-        const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
-        if (advertised.defect != nullptr) {
-            LYN_LOGE("exception %s", advertised.defect);  // The text that readers know, without the throw.
-            return;
-        }
-        if (GetKind(advertised) == Kind::foreign) {
-            return;  // Nearly every advertisement in the air: no exception, no log line.
-        }
-        const std::string extraData = BuildExtraData(advertised.data.get());
+        const std::string extraData = BuildExtraData(info);
         KmsgPrint(LOG_TAG, __func__, "[%s] address : %s, extra_data : %s", LynUtil::GetCurTime().c_str(),
                   info->remote_address, extraData.c_str());
         NotifyDeviceFound("", info->remote_address, "", info->rssi, extraData);

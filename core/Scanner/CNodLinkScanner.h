@@ -32,12 +32,6 @@ protected:
     void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info) override;
 
 private:
-    enum class Kind { foreign, av, mobile };
-
-    static Kind GetKind(const char* data);
-    static Kind GetKind(const ManufacturerData& advertised);
-    std::string BuildExtraData(const char* data) const;
-
     int m_ScanInterval = 1000;
     int m_ScanWindow = 500;
     std::string m_AvDeviceType = "av";

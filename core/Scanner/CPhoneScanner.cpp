@@ -18,11 +18,6 @@ constexpr int UNIQUE_ID_OFFSET = 2;
 constexpr int UNIQUE_ID_LENGTH = 22;
 constexpr unsigned int NAME_OFFSET = 2;
 
-std::string UniqueId(const char* data)
-{
-    return {data + UNIQUE_ID_OFFSET, UNIQUE_ID_LENGTH};
-}
-
 }  // namespace
 
 CPhoneScanner::CPhoneScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb,
@@ -48,20 +43,9 @@ bool CPhoneScanner::StopScan()
     return StopPlatformScan();
 }
 
-bool CPhoneScanner::IsMarked(int manufacturerId, const char* data) const
+void CPhoneScanner::CheckVaildAdvertisement(int manufacturerId, const char* data) const
 {
-    return manufacturerId == COMPANY_ID && data[MARKER_OFFSET] == m_Feature.marker;
-}
-
-bool CPhoneScanner::IsOwn(const ManufacturerData& advertised) const
-{
-    return advertised.length >= UNIQUE_ID_OFFSET + UNIQUE_ID_LENGTH &&
-           IsMarked(advertised.company, advertised.data.get());
-}
-
-void CPhoneScanner::CheckMarker(int manufacturerId, const char* data) const
-{
-    if (!IsMarked(manufacturerId, data)) {
+    if (manufacturerId != COMPANY_ID || data[MARKER_OFFSET] != m_Feature.marker) {
         throw LynExceptionNotValidDevice(m_Feature.rejection);
     }
 }
@@ -81,20 +65,27 @@ std::string CPhoneScanner::GetDeviceName(bt_adapter_le_device_scan_result_info_s
     if (info->scan_data == nullptr) {
         LogAndThrow<LynExceptionNotValidDevice>("scan data is nullptr");
     }
-    const ManufacturerData answered = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_SCAN_RESPONSE);
-    return ConvertManufacturerDataToDeviceName(answered.data.get(), static_cast<unsigned int>(answered.length));
+    int company = 0;
+    int size = 0;
+    const std::shared_ptr<char> data =
+        GetManufDataFromScanResult(info, BT_ADAPTER_LE_PACKET_SCAN_RESPONSE, company, size);
+    return ConvertManufacturerDataToDeviceName(data.get(), static_cast<unsigned int>(size));
 }
 
 std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int /*length*/)
 {
-    if (!HasAdvertising(*info)) {
-        throw LynExceptionNotValidDevice("adv data is nullptr");
+    if (info->adv_data == nullptr) {
+        LogAndThrow<LynExceptionNotValidDevice>("adv data is nullptr");
     }
-    const ManufacturerData advertised = CheckedManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
-    if (!IsOwn(advertised)) {
+    int company = 0;
+    int size = 0;
+    const std::shared_ptr<char> data =
+        GetManufDataFromScanResult(info, BT_ADAPTER_LE_PACKET_ADVERTISING, company, size);
+    if (size < UNIQUE_ID_OFFSET + UNIQUE_ID_LENGTH) {
         throw LynExceptionNotValidDevice(m_Feature.rejection);
     }
-    return UniqueId(advertised.data.get());
+    CheckVaildAdvertisement(company, data.get());
+    return {data.get() + UNIQUE_ID_OFFSET, UNIQUE_ID_LENGTH};
 }
 
 void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
@@ -103,18 +94,7 @@ void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_res
         return;
     }
     try {
-        if (!HasAdvertising(*info)) {
-            return;
-        }
-        const ManufacturerData advertised = ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
-        if (advertised.defect != nullptr) {
-            LYN_LOGE("exception %s", advertised.defect);  // The text that readers know, without the throw.
-            return;
-        }
-        if (!IsOwn(advertised)) {
-            return;  // Nearly every advertisement in the air: no exception, no log line.
-        }
-        const std::string uniqueId = UniqueId(advertised.data.get());
+        const std::string uniqueId = GetDeviceId(info, info->adv_data_len);
         const std::string name = GetDeviceName(info, info->scan_data_len);
         NotifyDeviceFound(name, info->remote_address, uniqueId, info->rssi, "");
     } catch (const LynExceptionNotValidDevice&) {

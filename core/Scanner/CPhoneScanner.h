@@ -19,9 +19,12 @@ public:
     bool StartScan() override;
     bool StopScan() override;
 
+    /// Throws LynExceptionNotValidDevice unless company and marker are the feature's; `data` is read for company
+    /// 117 only, and then up to byte 1.
+    void CheckVaildAdvertisement(int manufacturerId, const char* data) const;
     /// Throws LynExceptionNotValidDevice when the scan response is missing or holds no name.
     std::string GetDeviceName(bt_adapter_le_device_scan_result_info_s* info, int length);
-    /// Throws LynExceptionNotValidDevice for a phone that is not of the feature.
+    /// Throws LynExceptionNotValidDevice for a phone that is not of the feature, or says too little.
     std::string GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int length);
 
     /// `data` is the manufacturer data of the scan response. Throws LynExceptionNotValidDevice.
@@ -39,15 +42,10 @@ protected:
 
     void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info) override;
 
-    /// Throws LynExceptionNotValidDevice; `data` is read for company 117 only, and then up to byte 1.
-    void CheckMarker(int manufacturerId, const char* data) const;
     /// Logs the data and reads the name behind the first two bytes; length is at least 2.
     static std::string ReadName(const char* data, unsigned int length);
 
 private:
-    bool IsMarked(int manufacturerId, const char* data) const;
-    bool IsOwn(const ManufacturerData& advertised) const;
-
     Feature m_Feature;
 };
 

@@ -5,6 +5,7 @@
 
 #include "Common/LynException.h"
 #include "Common/PlatformCodes.h"
+#include "Common/PlatformText.h"
 #include "Common/Util.h"
 #include "lyn_platform/settings.h"
 #include "lyn_service_log.h"
@@ -74,48 +75,29 @@ void CScanner::NotifyScanStateChanged(ScanState state)
     m_ScanStateChangedCallback(state);
 }
 
-CScanner::ManufacturerData CScanner::ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
-                                                          bt_adapter_le_packet_type_e packetType)
-{
-    ManufacturerData found;
-    char* data = nullptr;
-    const int result =
-        bt_adapter_le_get_scan_result_manufacturer_data(info, packetType, &found.company, &data, &found.length);
-    if (result != PLATFORM_OK) {
-        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]",
-                 static_cast<unsigned>(result));
-        return found;
-    }
-    found.data.reset(data);
-    if (data == nullptr) {
-        found.defect = "manufacturer data is null";
-    } else if (found.length < 1) {
-        found.defect = "lenth is less then 1";
-    }
-    return found;
-}
-
-CScanner::ManufacturerData CScanner::CheckedManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
-                                                             bt_adapter_le_packet_type_e packetType)
-{
-    ManufacturerData found = ReadManufacturerData(info, packetType);
-    if (found.defect != nullptr) {
-        throw LynExceptionInvalidParam(found.defect);
-    }
-    return found;
-}
-
 std::shared_ptr<char> CScanner::GetManufDataFromScanResult(bt_adapter_le_device_scan_result_info_s* info,
                                                            bt_adapter_le_packet_type_e packetType,
                                                            int& manufacturerId, int& length)
 {
-    ManufacturerData found = CheckedManufacturerData(info, packetType);
-    if (!found.data) {
+    int company = 0;
+    char* buffer = nullptr;
+    int size = 0;
+    const int result = bt_adapter_le_get_scan_result_manufacturer_data(info, packetType, &company, &buffer, &size);
+    if (result != PLATFORM_OK) {
+        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]",
+                 static_cast<unsigned>(result));
         return {};
     }
-    manufacturerId = found.company;
-    length = found.length;
-    return {std::move(found.data)};
+    if (buffer == nullptr) {
+        throw LynExceptionInvalidParam("manufacturer data is null");
+    }
+    std::shared_ptr<char> data(buffer, FreeDeleter());
+    if (size < 1) {
+        throw LynExceptionInvalidParam("lenth is less then 1");
+    }
+    manufacturerId = company;
+    length = size;
+    return data;
 }
 
 void CScanner::SetBleAdvertisementInterval(int interval)
@@ -137,15 +119,6 @@ bool CScanner::IsUsable(const bt_adapter_le_device_scan_result_info_s* info)
     }
     if (info->remote_address == nullptr) {
         LYN_LOGE("%s", "disc_info->remote_address");
-        return false;
-    }
-    return true;
-}
-
-bool CScanner::HasAdvertising(const bt_adapter_le_device_scan_result_info_s& info)
-{
-    if (info.adv_data == nullptr) {
-        LYN_LOGE("%s", "adv data is nullptr");
         return false;
     }
     return true;

@@ -10,7 +10,6 @@
 #include <string>
 
 #include "Common/LiveObject.h"
-#include "Common/PlatformText.h"
 #include "Scanner/IScanner.h"
 #include "lyn_platform/bluetooth.h"
 
@@ -32,8 +31,8 @@ public:
     void NotifyScanStateChanged(ScanState state) override;
 
     /// The manufacturer data of one packet, without the company identifier. Empty when the platform finds
-    /// none; the two out values then keep what they held. Throws LynExceptionInvalidParam for data that is
-    /// null or empty.
+    /// none; the two out values then keep what they held, whatever it has written. Throws
+    /// LynExceptionInvalidParam for data that is null or empty.
     static std::shared_ptr<char> GetManufDataFromScanResult(bt_adapter_le_device_scan_result_info_s* info,
                                                             bt_adapter_le_packet_type_e packetType,
                                                             int& manufacturerId, int& length);
@@ -41,22 +40,6 @@ public:
     void SetBleAdvertisementInterval(int interval);
 
 protected:
-    /// The manufacturer data of one packet and who says so.
-    struct ManufacturerData {
-        PlatformText data;
-        int company = 0;
-        int length = 0;
-        const char* defect = nullptr;  ///< why the platform's data cannot be used, or null
-    };
-
-    /// GetManufDataFromScanResult() with nothing thrown, and nothing allocated beside the platform's
-    /// buffer: every foreign advertisement comes this way.
-    static ManufacturerData ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
-                                                 bt_adapter_le_packet_type_e packetType);
-    /// The same, with a defect thrown as LynExceptionInvalidParam.
-    static ManufacturerData CheckedManufacturerData(const bt_adapter_le_device_scan_result_info_s* info,
-                                                    bt_adapter_le_packet_type_e packetType);
-
     /// One scan result. Nothing is thrown but what is no standard exception.
     virtual void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info);
 
@@ -66,8 +49,6 @@ protected:
 
     /// False, with a log line, for a scan result that no scanner can use.
     static bool IsUsable(const bt_adapter_le_device_scan_result_info_s* info);
-    /// False, with a log line, when the advertising packet is missing.
-    static bool HasAdvertising(const bt_adapter_le_device_scan_result_info_s& info);
 
 private:
     static void ScanResultTrampoline(int result, bt_adapter_le_device_scan_result_info_s* info, void* userData);

@@ -21,11 +21,6 @@ CScreenMirroringScanner::CScreenMirroringScanner(DeviceFoundCb deviceFoundCb,
 {
 }
 
-void CScreenMirroringScanner::CheckVaildAdvertisement(int manufacturerId, const char* data) const
-{
-    CheckMarker(manufacturerId, data);
-}
-
 std::string CScreenMirroringScanner::ConvertManufacturerDataToDeviceName(const char* data, unsigned int length)
 {
     if (length < 2) {

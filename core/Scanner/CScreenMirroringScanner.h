@@ -14,8 +14,6 @@ public:
     CScreenMirroringScanner();
     CScreenMirroringScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb);
 
-    /// Throws LynExceptionNotValidDevice; `data` is not read for another company.
-    void CheckVaildAdvertisement(int manufacturerId, const char* data) const;
     std::string ConvertManufacturerDataToDeviceName(const char* data, unsigned int length) override;
 };
 

@@ -36,7 +36,7 @@ std::vector<Marker> Markers()
         {"mirroring", MIRRORING_MARKER, "Not mirroring device",
          [](int company, const char* data) { CScreenMirroringScanner().CheckVaildAdvertisement(company, data); }},
         {"kov", KOV_MARKER, "Not kov device",
-         [](int company, const char* data) { CKovScanner().CheckVaildAdvertisementForKov(company, data); }}};
+         [](int company, const char* data) { CKovScanner().CheckVaildAdvertisement(company, data); }}};
 }
 
 class AdvertisementCheck : public SimulatedTv {};
