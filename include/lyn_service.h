@@ -264,6 +264,8 @@ lyn_error_e lyn_get_nodlink_type(lyn_service_h service, nod_link_type *type);
  */
 const char *lyn_get_request_initiating_error_string(lyn_service_h service, lyn_request_initiating_result_e result);
 
+#undef LYN_AS_INT
+
 #ifdef __cplusplus
 }
 #endif

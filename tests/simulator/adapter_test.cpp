@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <type_traits>
+
 #include "SimulatorTest.h"
+#include "lyn_simulator/air.h"
 
 namespace lyn::simulator::test {
 namespace {
@@ -24,6 +27,18 @@ protected:
         EXPECT_EQ(bt_adapter_set_state_changed_cb(keep, &states), 0);
     }
 };
+
+TEST_F(Adapter, HasStatesAndPacketsThatHoldAnyInt)
+{
+    static_assert(std::is_same_v<std::underlying_type_t<bt_adapter_state_e>, int>);
+    static_assert(std::is_same_v<std::underlying_type_t<bt_adapter_le_packet_type_e>, int>);
+    static_assert(std::is_same_v<std::underlying_type_t<lyn_simulator_air_event_e>, int>);
+    Watch();
+    SetAdapterState(static_cast<bt_adapter_state_e>(2));
+    Settle();
+    EXPECT_EQ(State(), static_cast<bt_adapter_state_e>(2));
+    EXPECT_EQ(states, std::vector{static_cast<bt_adapter_state_e>(2)});
+}
 
 TEST_F(Adapter, ReportsItsChangesFromTheMainLoop)
 {

@@ -32,18 +32,22 @@
 
 #include <stdbool.h>
 
+/* In C++ too, an enumeration then holds any int that a platform gives. */
 #ifdef __cplusplus
+#define LYN_AS_INT : int
 extern "C" {
+#else
+#define LYN_AS_INT
 #endif
 
 /** Power state of the Bluetooth adapter. */
-typedef enum {
+typedef enum LYN_AS_INT {
     BT_ADAPTER_DISABLED = 0, /**< off, absent or blocked */
     BT_ADAPTER_ENABLED = 1   /**< on */
 } bt_adapter_state_e;
 
 /** The two packets of one scan result. */
-typedef enum {
+typedef enum LYN_AS_INT {
     BT_ADAPTER_LE_PACKET_ADVERTISING = 0,  /**< the advertising packet */
     BT_ADAPTER_LE_PACKET_SCAN_RESPONSE = 1 /**< the answer to a scan request */
 } bt_adapter_le_packet_type_e;
@@ -120,6 +124,8 @@ int bt_adapter_le_stop_scan(void);
 int bt_adapter_le_get_scan_result_manufacturer_data(const bt_adapter_le_device_scan_result_info_s *info,
                                                     bt_adapter_le_packet_type_e packet_type, int *company,
                                                     char **data, int *length);
+
+#undef LYN_AS_INT
 
 #ifdef __cplusplus
 }

@@ -9,11 +9,15 @@
 
 #include <stddef.h>
 
+/* In C++ too, the enumeration then holds any int. */
 #ifdef __cplusplus
+#define LYN_AS_INT : int
 extern "C" {
+#else
+#define LYN_AS_INT
 #endif
 
-typedef enum {
+typedef enum LYN_AS_INT {
     LYN_SIMULATOR_AIR_CONNECTED = 0,    /**< link up; no data */
     LYN_SIMULATOR_AIR_WRITE = 1,        /**< TV to phone */
     LYN_SIMULATOR_AIR_NOTIFY = 2,       /**< phone to TV */
@@ -40,6 +44,8 @@ void lyn_simulator_set_air_listener(lyn_simulator_air_cb callback, void *user_da
  * @return 0 if it could
  */
 int lyn_simulator_check(char *error, size_t size);
+
+#undef LYN_AS_INT
 
 #ifdef __cplusplus
 }
