@@ -30,12 +30,11 @@ std::atomic<bool> s_BoostEnabled{false};
 // One switch at a time: else the flag could come to say what the platform was not told last.
 std::mutex s_BoostMutex;
 
-// An absent key counts as 0.
+// A key that cannot be read counts as 0.
 int ReadSetting(const char* key)
 {
     int value = 0;
-    vconf_get_int(key, &value);
-    return value;
+    return vconf_get_int(key, &value) == PLATFORM_OK ? value : 0;
 }
 
 }  // namespace

@@ -79,27 +79,23 @@ std::string CExchangeData::GetTvName() const
 std::string CExchangeData::GetBtAddress() const
 {
     char* buffer = nullptr;
-    const int result = bt_adapter_get_address(&buffer);
-    const PlatformText address(buffer);
-    if (result != PLATFORM_OK || !address) {
+    if (bt_adapter_get_address(&buffer) != PLATFORM_OK || buffer == nullptr) {
         LogAndThrow<LynExceptionInternal>("btAddress is nullptr");
     }
-    return address.get();
+    return PlatformText(buffer).get();
 }
 
 std::string CExchangeData::GetP2PMac() const
 {
     const WifiDirect wifiDirect;
     char* buffer = nullptr;
-    const int result = wifi_direct_get_mac_address(&buffer);
-    const PlatformText mac(buffer);
-    if (result != PLATFORM_OK) {
+    if (wifi_direct_get_mac_address(&buffer) != PLATFORM_OK) {
         LogAndThrow<LynExceptionInternal>("Fail to wifi_direct_get_mac_address");
     }
-    if (!mac) {
+    if (buffer == nullptr) {
         LogAndThrow<LynExceptionInternal>("p2p_addr is nullptr");
     }
-    return mac.get();
+    return PlatformText(buffer).get();
 }
 
 int CExchangeData::GetP2PListenChannel() const

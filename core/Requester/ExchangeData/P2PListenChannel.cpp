@@ -54,14 +54,13 @@ std::optional<int> ReadConnectedFrequency()
     }
     const WifiDeinitializer deinitializer;
     char* buffer = nullptr;
-    const int result = wifi_ap_get_bssid(ap, &buffer);
-    const PlatformText bssid(buffer);
-    if (result != PLATFORM_OK) {
+    if (wifi_ap_get_bssid(ap, &buffer) != PLATFORM_OK) {
         LogAndThrow<LynExceptionInternal>("Fail to get bssid of connected ap");
     }
-    if (!bssid) {
+    if (buffer == nullptr) {
         LogAndThrow<LynExceptionInternal>("bssid is null");
     }
+    const PlatformText bssid(buffer);
     int frequency = 0;
     if (wifi_ap_get_frequency(ap, &frequency) != PLATFORM_OK) {
         LogAndThrow<LynExceptionInternal>("fail to get frequency");
