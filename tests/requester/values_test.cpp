@@ -143,6 +143,28 @@ TEST_P(FeatureRequest, EndsInGattFailAtOnceWithoutAnyOfItsValues)
     EXPECT_EQ(MessagesToPhone(), Texts{});
 }
 
+TEST_P(FeatureRequest, ReadsEachValueOnceInTheOrderOfItsMessage)
+{
+    AskFromHere();
+    Texts reads;
+    for (const std::string& call : simulator::JournalText()) {
+        const std::string function = call.substr(0, call.find('('));
+        for (const char* prefix : {"wifi_direct_get", "bt_adapter_get_address", "vconf_get_", "system_info_"}) {
+            if (function.rfind(prefix, 0) == 0 && call.find("memory/wifi") == call.npos &&
+                call.find("memory/acm") == call.npos) {
+                reads.push_back(call);
+            }
+        }
+    }
+    const Texts btAddress = {R"(bt_adapter_get_address(-> "02:00:00:00:00:AA"))"};
+    EXPECT_EQ(reads, Join({{R"(wifi_direct_get_mac_address(-> "02:00:00:00:00:BB"))"},
+                           std::string(feature.service) == "nodlink" ? btAddress : Texts{},
+                           {"vconf_get_int(\"" + std::string(kKeyListenChannel) + "\" -> 0)",
+                            "vconf_get_str(\"" + std::string(kKeyTvName) + "\" -> \"Salon\")",
+                            "system_info_get_custom_int(\"" + std::string(kDeviceType) + "\" -> 12)",
+                            "system_info_get_custom_int(\"" + std::string(kDeviceIcon) + "\" -> 3)"}}));
+}
+
 TEST_F(NodLinkRequest, EndsInGattFailAtOnceWithoutTheBluetoothAddress)
 {
     const std::vector<std::function<void()>> ways = {

@@ -59,12 +59,17 @@ Json::Value CExchangeData::BuildCommonData()
 {
     Json::Value message;
     message["type"] = GetServiceType();
-    message["P2PMac"] = GetP2PMac();
+    AddAddresses(message);
     message["P2PChannel"] = std::to_string(GetP2PListenChannel());
     message["displayName"] = GetTvName();
     message["deviceType"] = std::to_string(GetDeviceType());
     message["deviceIcon"] = std::to_string(GetDeviceIcon());
     return message;
+}
+
+void CExchangeData::AddAddresses(Json::Value& message) const
+{
+    message["P2PMac"] = GetP2PMac();
 }
 
 std::string CExchangeData::GetTvName() const
@@ -136,12 +141,18 @@ int CExchangeData::ConvertFreqToChannerl(int frequency) const
 
 int CExchangeData::GetDeviceIcon() const
 {
-    return LynUtil::GetIntFmsValue("com.calyxon/featureconf/devicename.icon_index");
+    if (!m_DeviceIcon) {
+        m_DeviceIcon = LynUtil::GetIntFmsValue("com.calyxon/featureconf/devicename.icon_index");
+    }
+    return *m_DeviceIcon;
 }
 
 int CExchangeData::GetDeviceType() const
 {
-    return LynUtil::GetIntFmsValue("com.calyxon/featureconf/devicename.device_type_index");
+    if (!m_DeviceType) {
+        m_DeviceType = LynUtil::GetIntFmsValue("com.calyxon/featureconf/devicename.device_type_index");
+    }
+    return *m_DeviceType;
 }
 
 }  // namespace lyn

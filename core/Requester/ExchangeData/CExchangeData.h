@@ -9,6 +9,7 @@
 
 #include <json/value.h>
 
+#include <optional>
 #include <string>
 
 #include "Requester/ExchangeData/IExchangeData.h"
@@ -30,15 +31,20 @@ public:
     int GetP2PListenChannel() const;
     /// Wi-Fi channel of a frequency in MHz; -1 for 2473 to 2483. Throws LynExceptionInternal for others.
     int ConvertFreqToChannerl(int frequency) const;
-    int GetDeviceIcon() const;
-    int GetDeviceType() const;
+    /// Read once: a builder lives for one message.
+    virtual int GetDeviceIcon() const;
+    virtual int GetDeviceType() const;
 
 protected:
-    /// The members that the control messages of screen mirroring and Kov have.
+    /// The members that all control messages have.
     Json::Value BuildCommonData();
+    /// The addresses by which a phone reaches the TV; here that of Wi-Fi Direct.
+    virtual void AddAddresses(Json::Value& message) const;
 
 private:
     std::string m_ExtraData;
+    mutable std::optional<int> m_DeviceIcon;
+    mutable std::optional<int> m_DeviceType;
 };
 
 }  // namespace lyn

@@ -68,17 +68,15 @@ std::string CNodLinkExchangeData::GetServiceType()
 std::string CNodLinkExchangeData::BuildControlData()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    Json::Value message;
-    message["type"] = GetServiceType();
-    message["P2PMac"] = GetP2PMac();
-    message["BtMac"] = GetBtAddress();
-    message["P2PChannel"] = std::to_string(GetP2PListenChannel());
-    message["displayName"] = GetTvName();
-    message["deviceType"] = std::to_string(GetDeviceType());
-    message["deviceIcon"] = std::to_string(GetDeviceIcon());
-    std::string text = LynUtil::JsonToString(message);
+    std::string text = LynUtil::JsonToString(BuildCommonData());
     LYN_LOGI("<Not Error> data : %s", text.c_str());
     return text;
+}
+
+void CNodLinkExchangeData::AddAddresses(Json::Value& message) const
+{
+    CExchangeData::AddAddresses(message);
+    message["BtMac"] = GetBtAddress();
 }
 
 std::string CNodLinkExchangeData::BuildMirroringTypeData()

@@ -26,8 +26,11 @@ public:
     /// LynExceptionInternal when the metadata file is missing or unparsable.
     std::string GetMirroringTypeFromAppId(const std::string& appId) const;
 
-    int GetDeviceIcon() const;
-    int GetDeviceType() const;
+    int GetDeviceIcon() const override;
+    int GetDeviceType() const override;
+
+protected:
+    void AddAddresses(Json::Value& message) const override;
 
 private:
     std::string m_Data;
