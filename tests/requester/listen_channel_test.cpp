@@ -12,7 +12,11 @@ constexpr const char* kRead = "vconf_get_int(\"memory/menu/network/screenmirrori
 class ListenChannel : public MirroringRequest {
 protected:
     ListenChannel() { ForgetSleeps(); }
-    ~ListenChannel() override { OnSleep({}); }
+    ~ListenChannel() override
+    {
+        OnSleep({});
+        InterruptSleeps(0);
+    }
 
     void ListenOnTheAccessPointsChannel(int frequency)
     {
@@ -65,6 +69,27 @@ TEST_F(ListenChannel, IsReadFiveTimesWithASleepBehindEachWhileTheListenerIsStopp
     EXPECT_EQ(reads, 5);
     EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
     EXPECT_EQ(CountCalls("wifi_initialize"), 0);
+}
+
+TEST_F(ListenChannel, IsWaitedForToTheEndWhenSignalsCutTheSleepShort)
+{
+    simulator::SetSetting(kKeyListenChannel, -1);
+    constexpr std::size_t interruptions = 3;
+    InterruptSleeps(interruptions);
+    OnSleep([] {
+        if (Sleeps().size() == interruptions + 1) {
+            simulator::SetSetting(kKeyListenChannel, 0);
+        }
+    });
+    Ask();
+    EXPECT_EQ(Channel(), "1");
+    EXPECT_TRUE(HasLog(INFO, "try : 2"));
+    EXPECT_FALSE(HasLog(INFO, "try : 3"));
+    ASSERT_EQ(Sleeps().size(), interruptions + 1) << "all of them in one pause";
+    for (std::size_t i = 1; i <= interruptions; ++i) {
+        EXPECT_LE(Sleeps()[i], Sleeps()[i - 1]) << "the rest";
+        EXPECT_GT(Sleeps()[i], 0U);
+    }
 }
 
 TEST_F(ListenChannel, IsTakenAsSoonAsTheListenerIsUp)

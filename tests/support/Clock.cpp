@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <mutex>
 #include <utility>
 
@@ -20,6 +21,7 @@ std::vector<Timeout> s_timeouts;
 lyn::test::SourceCallback s_lastTimeout;
 std::vector<unsigned> s_sleeps;
 std::function<void()> s_onSleep;
+int s_interruptions = 0;
 
 void ForgetEnded()
 {
@@ -49,15 +51,19 @@ extern "C" guint g_timeout_add_seconds(guint interval, GSourceFunc function, gpo
 extern "C" int usleep(useconds_t duration)
 {
     std::function<void()> onSleep;
+    bool isInterrupted = false;
     {
         const std::lock_guard lock(s_mutex);
         s_sleeps.push_back(duration);
         onSleep = s_onSleep;
+        isInterrupted = s_interruptions > 0;
+        s_interruptions -= isInterrupted ? 1 : 0;
     }
     if (onSleep) {
         onSleep();
     }
-    return 0;
+    errno = isInterrupted ? EINTR : errno;
+    return isInterrupted ? -1 : 0;
 }
 
 namespace lyn::test {
@@ -94,6 +100,12 @@ void OnSleep(std::function<void()> work)
 {
     const std::lock_guard lock(s_mutex);
     s_onSleep = std::move(work);
+}
+
+void InterruptSleeps(int count)
+{
+    const std::lock_guard lock(s_mutex);
+    s_interruptions = count;
 }
 
 std::vector<unsigned> Sleeps()

@@ -24,6 +24,8 @@ SourceCallback LastTimeout();
 /// Microseconds of every sleep since the last ForgetSleeps(). No time is spent in them.
 std::vector<unsigned> Sleeps();
 void ForgetSleeps();
+/// Lets a signal end this many sleeps that begin from now on.
+void InterruptSleeps(int count);
 /// Runs inside every sleep that begins from now on; empty for nothing.
 void OnSleep(std::function<void()> work);
 

@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+#include <chrono>
+
 #include "Common/Failure.h"
 #include "Common/PlatformCodes.h"
 #include "Common/PlatformText.h"
@@ -14,7 +16,18 @@ namespace {
 
 constexpr const char* KEY_LISTEN_CHANNEL = "memory/menu/network/screenmirroring/p2p_listen_channel";
 constexpr int MAX_TRIES = 5;
-constexpr useconds_t PAUSE_US = 200000;
+constexpr std::chrono::microseconds PAUSE{200000};
+
+// A signal cuts a sleep short; then the rest is slept.
+void Pause()
+{
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + PAUSE;
+    std::chrono::microseconds left = PAUSE;
+    while (left.count() > 0 && usleep(static_cast<useconds_t>(left.count())) != 0) {
+        left = std::chrono::duration_cast<std::chrono::microseconds>(end - Clock::now());
+    }
+}
 
 struct WifiDeinitializer {
     WifiDeinitializer() = default;
@@ -37,7 +50,7 @@ int ReadP2PListenChannelSetting()
         if (value != P2P_LISTEN_STOPPED) {
             return value;
         }
-        usleep(PAUSE_US);
+        Pause();
     }
     LogAndThrow<LynExceptionInternal>("p2p listen is stopped");
 }
