@@ -105,6 +105,7 @@ std::string GetCurTime()
     const std::time_t now = std::chrono::system_clock::to_time_t(
         std::chrono::time_point_cast<std::chrono::seconds>(std::chrono::system_clock::now()));
     std::array<char, 64> text{};
+    tzset();  // ctime_r() alone keeps to the zone that it has seen first.
     const char* written = ctime_r(&now, text.data());
     const std::string line = written != nullptr ? written : "";
     return "Current time : " + line.substr(0, line.find('\n'));
