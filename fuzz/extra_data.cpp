@@ -42,6 +42,7 @@ std::optional<std::string> ExpectMessage(const std::string& extraData)
     }
     Json::StreamWriterBuilder oneLine;
     oneLine["indentation"] = "";
+    oneLine["commentStyle"] = "None";
     std::string text = Json::writeString(oneLine, message);
     return text.size() <= LONGEST_MESSAGE ? std::optional(text) : std::nullopt;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Common/JsonText.h"
 
+#include <json/reader.h>
 #include <json/writer.h>
 
 #include <memory>
@@ -21,6 +22,14 @@ const Json::StreamWriterBuilder& OneLineBuilder()
 }
 
 }  // namespace
+
+bool FromJsonText(const std::string& text, Json::Value& value, std::string& error)
+{
+    Json::CharReaderBuilder builder;
+    builder["collectComments"] = false;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    return reader->parse(text.data(), text.data() + text.size(), &value, &error);
+}
 
 std::string ToJsonText(const Json::Value& value)
 {

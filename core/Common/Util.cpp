@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Common/Util.h"
 
-#include <json/reader.h>
-
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <ctime>
-#include <memory>
 #include <mutex>
 
 #include "Common/Failure.h"
@@ -114,10 +111,9 @@ std::string GetCurTime()
 Json::Value StringToJson(const std::string& text)
 {
     LYN_LOGD("%s", text.c_str());
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
     Json::Value value;
     std::string error;
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, &error)) {
+    if (!FromJsonText(text, value, error)) {
         LogAndThrow<LynExceptionJsonParsing>(error);
     }
     return value;

@@ -197,6 +197,13 @@ TEST_F(JsonText, IsReadWithTheReadersDefaultSettings)
     EXPECT_EQ(LynUtil::StringToJson("\"\\u00e9\"").asString(), "\xC3\xA9");
 }
 
+TEST_F(JsonText, IsWrittenWithoutTheCommentsThatItWasReadWith)
+{
+    const Json::Value value =
+        LynUtil::StringToJson("// before\n{ // a\n\"a\": /* b */ [1, // c\n 2] /* d */ } // e");
+    EXPECT_EQ(LynUtil::JsonToString(value), R"({"a":[1,2]})");
+}
+
 TEST_F(JsonText, IsReadAsAWhole)
 {
     std::string text = R"({"a":"x","b":"y"})";
