@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <fstream>
+#include <cstddef>
+#include <optional>
+#include <string>
 
 namespace lyn {
 
-/// Opens a file of the TV for reading, wherever this platform keeps it. Not open when it cannot be read.
-std::ifstream OpenTvFile(const char* path);
+/// The first `limit` bytes of a file of the TV, wherever this platform keeps it. None when it is no regular
+/// file or cannot be read. Does not wait, whatever is there.
+std::optional<std::string> ReadTvFile(const char* path, std::size_t limit);
 
 }  // namespace lyn

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The control message of screen mirroring, byte by byte; that of Kov beside it.
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "requester/RequestTest.h"
 
 namespace lyn::test {
@@ -76,6 +80,49 @@ TEST_F(MirroringMessage, LeavesTheApplicationOutWhenThePlatformHasNoPlaceForTheF
     simulator::WriteFile(kAppIdFile, "com.example.app");
     simulator::FailCall("platform_file_path", -1, 1);
     EXPECT_EQ(Sent(), Message(""));
+}
+
+TEST_F(MirroringMessage, LeavesTheApplicationOutWhenItsFileIsNone)
+{
+    const std::string place = simulator::FilePrefix() + kAppIdFile;
+    std::filesystem::create_directories(place);
+    EXPECT_EQ(Sent(), Message(""));
+    std::filesystem::remove(place);
+    ASSERT_EQ(mkfifo(place.c_str(), 0600), 0);
+    EXPECT_EQ(Sent(), Message(""));
+    EXPECT_EQ(Messages(ERROR), Texts{});
+}
+
+TEST_F(MirroringMessage, NamesAnApplicationWithinTheFirst256Bytes)
+{
+    const std::string longest(256, 'a');
+    for (const std::string& content : {longest, longest + "\nmore", longest + " " + std::string(10000, 'b'),
+                                       std::string(200, ' ') + std::string(56, 'a') + " b"}) {
+        SCOPED_TRACE(content.size());
+        simulator::WriteFile(kAppIdFile, content);
+        const std::string word = content.substr(0, 256);
+        EXPECT_EQ(Sent(), Message(R"("appLaunch":")" + word.substr(word.find('a')) + "\","));
+    }
+}
+
+TEST_F(MirroringMessage, LeavesAnApplicationOutThatWouldHaveToBeCut)
+{
+    const std::string error = "app id in /opt/etc/.lyn_appid is not within its first 256 bytes";
+    for (const std::string& content : {std::string(257, 'a'), std::string(100000, 'a'),
+                                       std::string(256, ' ') + "a", " " + std::string(256, 'a')}) {
+        SCOPED_TRACE(content.size());
+        simulator::WriteFile(kAppIdFile, content);
+        simulator::ClearLog();
+        EXPECT_EQ(Sent(), Message(""));
+        EXPECT_EQ(Messages(ERROR), Texts{error});
+    }
+}
+
+TEST_F(MirroringMessage, CarriesNoCommentOfTheExtraData)
+{
+    EXPECT_EQ(Sent("// x\n{ // y\n /* z */ \"appid\" : [ // u\n 1, // v\n {\"a\":2 /* w */} ] // t\n } // end"),
+              Message(R"("appid":[1,{"a":2}],)"));
+    EXPECT_EQ(Sent("{\"appid\":\"// no comment\"}"), Message(R"("appid":"// no comment",)"));
 }
 
 TEST_F(MirroringMessage, CarriesTheExtraData)

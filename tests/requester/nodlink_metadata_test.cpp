@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The file that says how to mirror which application, and what the phone is told of the TV itself.
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "requester/RequestTest.h"
 
 namespace lyn::test {
@@ -48,6 +52,33 @@ TEST_F(MetaData, IsReadFromTheReadOnlyCopyWhenThereIsNoOther)
     EXPECT_EQ(ModeFor(R"("a")"), 1);
     EXPECT_TRUE(LogsInOrder(
         {{ERROR, std::string("Fail to open ") + kRw + " from RW"}, {INFO, "open meta data file successfully"}}));
+}
+
+TEST_F(MetaData, IsReadFromTheReadOnlyCopyWhenTheOtherIsNoFile)
+{
+    simulator::WriteFile(kRo, R"({"screenmirroring_fullview":["a"]})");
+    const std::string place = simulator::FilePrefix() + kRw;
+    std::filesystem::create_directories(place);
+    EXPECT_EQ(ModeFor(R"("a")"), 1);
+    EXPECT_TRUE(HasLog(ERROR, std::string("Fail to open ") + kRw + " from RW"));
+    std::filesystem::remove(place);
+    ASSERT_EQ(mkfifo(place.c_str(), 0600), 0);
+    EXPECT_EQ(ModeFor(R"("a")"), 1);
+    EXPECT_TRUE(HasLog(ERROR, std::string("Fail to open ") + kRw + " from RW"));
+}
+
+TEST_F(MetaData, EndsTheRequestWhenItIsLongerThanAMebibyte)
+{
+    const std::string start = R"({"soundmirroring":["a"],"other":")";
+    const std::string end = "\"}";
+    const std::size_t most = 1024 * 1024;
+    const std::string longest = start + std::string(most - start.size() - end.size(), 'x') + end;
+    simulator::WriteFile(kRo, R"({"screenmirroring_fullview":["a"]})");
+    simulator::WriteFile(kRw, longest);
+    EXPECT_EQ(ModeFor(R"("a")"), 2);
+    simulator::WriteFile(kRw, longest + " ");
+    EXPECT_EQ(ModeFor(R"("a")"), -1) << "the other copy does not help";
+    EXPECT_EQ(Messages(ERROR).back(), "exception : meta_data file is too long");
 }
 
 TEST_F(MetaData, EndsTheRequestWhenItIsNowhere)

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Requester/ExchangeData/CNodLinkExchangeData.h"
 
-#include <json/reader.h>
-
 #include <algorithm>
-#include <fstream>
+#include <optional>
 #include <utility>
 
 #include "Common/Failure.h"
+#include "Common/JsonText.h"
 #include "Common/TvFile.h"
 #include "Common/Util.h"
 
@@ -17,6 +16,8 @@ namespace {
 constexpr const char* FULL_VIEW = "screenmirroring_fullview";
 constexpr const char* MULTI_VIEW = "screenmirroring_multiview";
 constexpr const char* SOUND = "soundmirroring";
+
+constexpr std::size_t MOST_META_DATA = 1024 * 1024;
 
 // What a phone is shown as, by the product's own type and icon.
 struct Appearance {
@@ -35,11 +36,11 @@ Appearance MapAppearance(Appearance own)
     return own;
 }
 
-Json::Value ParseMetaData(std::ifstream& file)
+Json::Value ParseMetaData(const std::string& text)
 {
     Json::Value metaData;
     std::string error;
-    if (!Json::parseFromStream(Json::CharReaderBuilder(), file, &metaData, &error)) {
+    if (!FromJsonText(text, metaData, error)) {
         LogAndThrow<LynExceptionInternal>(error);
     }
     return metaData;
@@ -102,17 +103,19 @@ std::string CNodLinkExchangeData::BuildMirroringTypeData()
 std::string CNodLinkExchangeData::GetMirroringTypeFromAppId(const std::string& appId) const
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    std::ifstream file = OpenTvFile(m_MetaDataRwPath.c_str());
-    if (!file.is_open()) {
+    std::optional<std::string> text = ReadTvFile(m_MetaDataRwPath.c_str(), MOST_META_DATA + 1);
+    if (!text) {
         LYN_LOGE("Fail to open %s from RW", m_MetaDataRwPath.c_str());
-        file = OpenTvFile(m_MetaDataPath.c_str());
+        text = ReadTvFile(m_MetaDataPath.c_str(), MOST_META_DATA + 1);
     }
-    if (!file.is_open()) {
+    if (!text) {
         LogAndThrow<LynExceptionInternal>("fail to open meta_data file");
     }
     LYN_LOGI("%s", "open meta data file successfully");
-
-    const Json::Value metaData = ParseMetaData(file);
+    if (text->size() > MOST_META_DATA) {
+        LogAndThrow<LynExceptionInternal>("meta_data file is too long");
+    }
+    const Json::Value metaData = ParseMetaData(*text);
     if (Lists(metaData, FULL_VIEW, appId)) {
         return FULL_VIEW;
     }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Requester/ExchangeData/CScreenMirroringExchangeData.h"
 
-#include <fstream>
+#include <algorithm>
+#include <optional>
 
 #include "Common/TvFile.h"
 #include "Common/Util.h"
@@ -11,29 +12,23 @@ namespace lyn {
 namespace {
 
 constexpr const char* APP_ID_FILE = "/opt/etc/.lyn_appid";
+constexpr std::size_t MOST_APP_ID = 256;
 
-// Empty when nothing can be read.
-std::string ReadWord(std::ifstream& file)
+// The first word of the file. None without the file, and none where an id would have to be cut.
+std::optional<std::string> ReadAppId()
 {
-    std::string word;
-    file.exceptions(std::ios::badbit);  // Else want of memory would look like an empty file.
-    try {
-        file >> word;
-    } catch (const std::ios_base::failure&) {
-        // As an empty file, from which this is no different for the phone.
+    constexpr const char* blanks = " \t\n\v\f\r";
+    const std::optional<std::string> text = ReadTvFile(APP_ID_FILE, MOST_APP_ID + 1);
+    if (!text) {
+        return std::nullopt;
     }
-    return word;
-}
-
-void AddAppLaunch(Json::Value& message)
-{
-    std::ifstream file = OpenTvFile(APP_ID_FILE);
-    if (!file.is_open()) {
-        return;
+    const std::size_t start = std::min(text->find_first_not_of(blanks), text->size());
+    const std::size_t end = std::min(text->find_first_of(blanks, start), text->size());
+    if (end > MOST_APP_ID) {
+        LYN_LOGE("app id in %s is not within its first %zu bytes", APP_ID_FILE, MOST_APP_ID);
+        return std::nullopt;
     }
-    const std::string appId = ReadWord(file);
-    message["appLaunch"] = appId;
-    LYN_LOGI("app id in /opt/etc/.lyn_appid : %s", appId.c_str());
+    return text->substr(start, end - start);
 }
 
 void AddMembers(Json::Value& message, const std::string& extraData)
@@ -58,7 +53,10 @@ std::string CScreenMirroringExchangeData::BuildControlData()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     Json::Value message = BuildCommonData();
-    AddAppLaunch(message);
+    if (const std::optional<std::string> appId = ReadAppId()) {
+        message["appLaunch"] = *appId;
+        LYN_LOGI("app id in /opt/etc/.lyn_appid : %s", appId->c_str());
+    }
     AddMembers(message, GetExtraData());
     std::string text = LynUtil::JsonToString(message);
     LYN_LOGI("data : %s", text.c_str());
