@@ -24,7 +24,7 @@ public:
     lyn_error_e GetCode() const noexcept { return m_Code; }
 
 private:
-    std::shared_ptr<const std::string> m_Message;  ///< Shared by the copies: to throw one takes no memory.
+    std::shared_ptr<const std::string> m_Message;  ///< Shared by the copies: to copy one cannot fail.
     lyn_error_e m_Code;
 };
 static_assert(std::is_nothrow_copy_constructible_v<LynException>);

@@ -23,7 +23,4 @@ constexpr int BT_ERROR_CONNECTION_TIMEOUT = PlatformCode(0xC0000001);
 
 constexpr int WIFI_ERROR_ALREADY_INITIALIZED = -38;
 
-constexpr int PACKET_ADVERTISING = 0;
-constexpr int PACKET_SCAN_RESPONSE = 1;
-
 }  // namespace lyn

@@ -3,6 +3,7 @@
 
 #include <json/value.h>
 
+#include <memory>
 #include <utility>
 
 #include "Common/Failure.h"

@@ -2,6 +2,7 @@
 #include "Scanner/CPhoneScanner.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "Common/Failure.h"
