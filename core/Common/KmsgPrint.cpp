@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "Common/FileDescriptor.h"
 #include "Common/RunGuarded.h"
 #include "lyn_service_log.h"
 
@@ -42,8 +43,8 @@ ssize_t WriteRecord(int fd, const Line& line, std::size_t length)
 
 void KmsgPrint(const char* /*tag*/, const char* function, const char* format, ...)
 {
-    const int fd = platform_kmsg_open();
-    if (fd < 0) {
+    const FileDescriptor kernelLog(platform_kmsg_open());
+    if (!kernelLog.IsOpen()) {
         return;
     }
 
@@ -56,11 +57,10 @@ void KmsgPrint(const char* /*tag*/, const char* function, const char* format, ..
     va_end(arguments);
 
     RunGuarded([&] {
-        if (WriteRecord(fd, line, length) < 0) {
+        if (WriteRecord(kernelLog.Get(), line, length) < 0) {
             std::printf("Fail to write(/dev/kmsg) %d\n", errno);
         }
     });
-    close(fd);
 }
 
 }  // namespace lyn
