@@ -7,6 +7,14 @@ if(LYN_WERROR)
     target_compile_options(lyn_warnings INTERFACE -Werror)
 endif()
 
+# What is built says nothing of the place where it was built. A debugger wants to know the place.
+if(CMAKE_BUILD_TYPE STREQUAL "Debug")
+    set(lyn_prefix_map -fmacro-prefix-map)
+else()
+    set(lyn_prefix_map -ffile-prefix-map)
+endif()
+add_compile_options("${lyn_prefix_map}=${PROJECT_SOURCE_DIR}/=" "${lyn_prefix_map}=${PROJECT_BINARY_DIR}=build")
+
 # Instrumented code must be so as a whole: these hold for every target.
 if(LYN_SANITIZE)
     add_compile_options(-fsanitize=${LYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
