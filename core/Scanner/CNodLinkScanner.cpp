@@ -33,10 +33,10 @@ void PrintTime(const char* function)
     RunGuarded([&] { KmsgPrint(LOG_TAG, function, "[%s]", LynUtil::GetCurTime().c_str()); });
 }
 
-void CheckData(const char* data)
+void CheckData(const char* data, const char* function = __builtin_FUNCTION())
 {
     if (data == nullptr) {
-        LogAndThrow<LynExceptionNotValidDevice>("data is nullptr");
+        LogAndThrow<LynExceptionNotValidDevice>("data is nullptr", __FILE__, function);
     }
 }
 

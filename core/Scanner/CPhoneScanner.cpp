@@ -51,13 +51,13 @@ void CPhoneScanner::CheckVaildAdvertisement(int manufacturerId, const char* data
     }
 }
 
-std::string CPhoneScanner::ReadName(const char* data, unsigned int length)
+std::string CPhoneScanner::ReadName(const char* data, unsigned int length, const char* function)
 {
     const char* const begin = data + NAME_OFFSET;
     const char* const end = data + length;
     std::string name(begin, std::find(begin, end, '\0'));
-    LYN_LOGI("%s / %s / %u", LynUtil::ConvertByteStreamToString(data, static_cast<int>(length)).c_str(),
-             name.c_str(), length);
+    LYN_LOGI_AS(function, "%s / %s / %u",
+                LynUtil::ConvertByteStreamToString(data, static_cast<int>(length)).c_str(), name.c_str(), length);
     return name;
 }
 

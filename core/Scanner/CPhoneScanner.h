@@ -42,8 +42,10 @@ protected:
 
     void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info) override;
 
-    /// Logs the data and reads the name behind the first two bytes; length is at least 2.
-    static std::string ReadName(const char* data, unsigned int length);
+    /// Logs the data in the name of its caller and reads the name behind the first two bytes; length is at
+    /// least 2.
+    static std::string ReadName(const char* data, unsigned int length,
+                                const char* function = __builtin_FUNCTION());
 
 private:
     Feature m_Feature;

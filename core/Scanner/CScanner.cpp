@@ -111,37 +111,37 @@ void CScanner::SetBleAdvertisementInterval(int interval)
 
 void CScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* /*info*/) {}
 
-bool CScanner::IsUsable(const bt_adapter_le_device_scan_result_info_s* info)
+bool CScanner::IsUsable(const bt_adapter_le_device_scan_result_info_s* info, const char* function)
 {
     if (info == nullptr) {
-        LYN_LOGE("%s", "discInfo is NULL");
+        LYN_LOGE_AS(function, "%s", "discInfo is NULL");
         return false;
     }
     if (info->remote_address == nullptr) {
-        LYN_LOGE("%s", "disc_info->remote_address");
+        LYN_LOGE_AS(function, "%s", "disc_info->remote_address");
         return false;
     }
     return true;
 }
 
-bool CScanner::StartPlatformScan()
+bool CScanner::StartPlatformScan(const char* function)
 {
     LynUtil::SetBtPerformanceBoost(true);
     const int result = bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData());
     if (result != PLATFORM_OK) {
         LynUtil::SetBtPerformanceBoost(false);
-        LYN_LOGE("bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(result));
+        LYN_LOGE_AS(function, "bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(result));
         return false;
     }
     return true;
 }
 
-bool CScanner::StopPlatformScan()
+bool CScanner::StopPlatformScan(const char* function)
 {
     LynUtil::SetBtPerformanceBoost(false);
     const int result = bt_adapter_le_stop_scan();
     if (result != PLATFORM_OK && result != BT_ERROR_NO_SCAN_RUNNING) {
-        LYN_LOGE("bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(result));
+        LYN_LOGE_AS(function, "bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(result));
         return false;
     }
     return true;

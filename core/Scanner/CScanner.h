@@ -43,12 +43,15 @@ protected:
     /// One scan result. Nothing is thrown but what is no standard exception.
     virtual void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info);
 
+    // What these log is logged in the name of their caller.
+
     /// The platform's scan with the boost around it; false when it refuses. The scan mode is the caller's.
-    bool StartPlatformScan();
-    bool StopPlatformScan();
+    bool StartPlatformScan(const char* function = __builtin_FUNCTION());
+    bool StopPlatformScan(const char* function = __builtin_FUNCTION());
 
     /// False, with a log line, for a scan result that no scanner can use.
-    static bool IsUsable(const bt_adapter_le_device_scan_result_info_s* info);
+    static bool IsUsable(const bt_adapter_le_device_scan_result_info_s* info,
+                         const char* function = __builtin_FUNCTION());
 
 private:
     static void ScanResultTrampoline(int result, bt_adapter_le_device_scan_result_info_s* info, void* userData);

@@ -136,5 +136,48 @@ TEST_F(LogLine, BeginsWithFileFunctionAndLine)
     }
 }
 
+// Readers filter by the operation: no helper speaks in its own name.
+TEST_F(LogLine, OfScannersMessagesAndUtilitiesNamesAnOperation)
+{
+    const std::set<std::string> operations = {"StartScan",
+                                              "StopScan",
+                                              "StartAdvertisement",
+                                              "StopAdvertisement",
+                                              "SetBleAdvertisementInterval",
+                                              "NotifyDeviceFound",
+                                              "NotifyScanStateChanged",
+                                              "GetManufDataFromScanResult",
+                                              "OnLeScanResult",
+                                              "GetDeviceId",
+                                              "GetDeviceName",
+                                              "ConvertManufacturerDataToDeviceName",
+                                              "BuildExtraData",
+                                              "GetExchangeData",
+                                              "BuildControlData",
+                                              "BuildMirroringTypeData",
+                                              "GetMirroringTypeFromAppId",
+                                              "GetTvName",
+                                              "GetBtAddress",
+                                              "GetP2PMac",
+                                              "GetP2PListenChannel",
+                                              "ConvertFreqToChannerl",
+                                              "GetIntFmsValue",
+                                              "IsAcmWorkOn2_4Ghz",
+                                              "SetBtPerformanceBoost",
+                                              "StringToJson",
+                                              "JsonToString"};
+    const std::regex form(R"(^(\w*Scanner|\w*ExchangeData|P2PListenChannel|Util)\.(?:cpp|h): (\w+)\([^]*$)");
+    LiveThroughEverything();
+    int seen = 0;
+    for (const ReceivedLine& line : Received()) {
+        std::smatch parts;
+        if (std::regex_match(line.text, parts, form)) {
+            ++seen;
+            EXPECT_EQ(operations.count(parts[2]), 1U) << line.text;
+        }
+    }
+    EXPECT_GT(seen, 50);
+}
+
 }  // namespace
 }  // namespace lyn::test

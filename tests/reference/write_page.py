@@ -15,7 +15,13 @@ LEVELS = {"D": 3, "I": 4, "W": 5, "E": 6}
 LEVEL_NAMES = {3: "DEBUG", 4: "INFO", 5: "WARN", 6: "ERROR"}
 
 # Functions that log in the name of their caller, and what they say; LogAndThrow() says its argument.
-IN_CALLERS_NAME = {"LogAndThrow": None, "Forward": "exception: %s", "CheckHandle": "service is NULL"}
+IN_CALLERS_NAME = {
+    "LogAndThrow": None,
+    "Forward": "exception: %s",
+    "CodeOf": "exception: %s",
+    "CheckHandle": "service is NULL",
+}
+LOG_CALL = re.compile(rf"(#define )?\b(LYN_LOG[DIWE](?:_AS)?|{'|'.join(IN_CALLERS_NAME)})(?:<\w+>)?\(")
 KERNEL_LOG = re.compile(r"\b(?:KmsgPrint\(LOG_TAG, |PrintTime\(|PrintKmsg\()__func__")
 
 # Values of the public header that no function gives.
@@ -83,12 +89,14 @@ def log_sites(path):
     text = path.read_text(encoding="utf-8")
     code = blanked(text)
     line_of = lambda place: code.count("\n", 0, place) + 1
-    for call in re.finditer(r"(#define )?\b(LYN_LOG[DIWE]|LogAndThrow|Forward|CheckHandle)(?:<\w+>)?\(", code):
+    for call in LOG_CALL.finditer(code):
         function = call[2]
         argument_list, end = arguments(text, code, call.end() - 1)
         if call[1] or "__builtin_LINE" in text[call.start() : end] or argument_list[-2:] == ["function", "line"]:
             continue  # its definition, or a call in the name of the caller's caller
-        level = LEVELS.get(function[-1], 6) if function.startswith("LYN_LOG") else 6
+        level = LEVELS[function[7]] if function.startswith("LYN_LOG") else 6
+        if function.endswith("_AS"):
+            argument_list = argument_list[1:]  # the name
         pattern = IN_CALLERS_NAME.get(function)
         if function == "LogAndThrow":
             pattern = said(["\"%s\"", argument_list[0]])

@@ -92,6 +92,21 @@ TEST_F(ListenChannel, IsWaitedForToTheEndWhenSignalsCutTheSleepShort)
     }
 }
 
+TEST_F(ListenChannel, IsSpokenOfInTheNameOfOneFunction)
+{
+    const std::set<std::string> itself = {"GetP2PListenChannel"};
+    simulator::SetSetting(kKeyListenChannel, -1);
+    Ask();
+    EXPECT_EQ(FunctionsThatSay("try : "), itself);
+    simulator::SetSetting(kKeyListenChannel, 0);
+    Ask();
+    EXPECT_EQ(FunctionsThatSay("Listen on social channel"), itself);
+    simulator::SetSetting(kKeyListenChannel, 99);
+    simulator::SetAccessPoint(std::nullopt);
+    Ask();
+    EXPECT_EQ(FunctionsThatSay("Not connected ap, listen channel is 1"), itself);
+}
+
 TEST_F(ListenChannel, IsTakenAsSoonAsTheListenerIsUp)
 {
     for (std::size_t sleeps = 1; sleeps <= 4; ++sleeps) {

@@ -65,6 +65,7 @@ TEST_F(MirroringMessage, TakesTheFirstWordOfTheFile)
         simulator::ClearLog();
         EXPECT_EQ(Sent(), Message(std::string(R"("appLaunch":")") + word + "\","));
         EXPECT_TRUE(HasLog(INFO, std::string("app id in /opt/etc/.lyn_appid : ") + word));
+        EXPECT_EQ(FunctionsThatSay("app id in"), std::set<std::string>{"BuildControlData"});
     }
 }
 
@@ -115,6 +116,7 @@ TEST_F(MirroringMessage, LeavesAnApplicationOutThatWouldHaveToBeCut)
         simulator::ClearLog();
         EXPECT_EQ(Sent(), Message(""));
         EXPECT_EQ(Messages(ERROR), Texts{error});
+        EXPECT_EQ(FunctionsThatSay(error), std::set<std::string>{"BuildControlData"});
     }
 }
 

@@ -87,6 +87,7 @@ TEST_F(MetaData, EndsTheRequestWhenItIsNowhere)
     EXPECT_EQ(Messages(ERROR), (Texts{std::string("Fail to open ") + kRw + " from RW",
                                       "fail to open meta_data file", "exception : fail to open meta_data file"}));
     EXPECT_FALSE(HasLog(INFO, "open meta data file successfully"));
+    EXPECT_EQ(FunctionsThatSay("from RW"), std::set<std::string>{"GetMirroringTypeFromAppId"});
 }
 
 TEST_F(MetaData, EndsTheRequestWhenThePlatformHasNoPlaceForIt)
@@ -115,6 +116,8 @@ TEST_F(MetaData, EndsTheRequestWithTheParsersText)
     simulator::WriteFile(kRw, "{");
     EXPECT_EQ(ModeFor(R"("a")"), -1);
     EXPECT_TRUE(HasLogWith(ERROR, "exception : * Line 1, Column"));
+    EXPECT_EQ(FunctionsThatSay("* Line 1, Column"),
+              (std::set<std::string>{"GetMirroringTypeFromAppId", "OnCharateristicValueChangedCb"}));
     simulator::WriteFile(kRw, std::string(1100, '['));
     EXPECT_EQ(ModeFor(R"("a")"), -1);
     EXPECT_TRUE(HasLog(ERROR, "exception : Exceeded stackLimit in readValue()."));

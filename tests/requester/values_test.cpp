@@ -3,6 +3,7 @@
 // The values that messages are made of: where they are read, and what becomes of a request without them.
 #include <algorithm>
 #include <functional>
+#include <map>
 
 #include "requester/RequestTest.h"
 
@@ -109,6 +110,21 @@ const std::vector<MissingValue>& MissingValues()
     return values;
 }
 
+/// The function that finds that the value is missing.
+std::string Finder(const MissingValue& value)
+{
+    static const std::map<std::string, std::string> finders = {
+        {"Fail to get tv name", "GetTvName"},
+        {"Fail to get fms key", "GetIntFmsValue"},
+        {"Fail to wifi_direct_initialize", "GetP2PMac"},
+        {"Fail to wifi_direct_get_mac_address", "GetP2PMac"},
+        {"p2p_addr is nullptr", "GetP2PMac"},
+        {"wrong frequency range", "ConvertFreqToChannerl"},
+    };
+    const auto finder = finders.find(value.error);
+    return finder != finders.end() ? finder->second : "GetP2PListenChannel";
+}
+
 class WithoutAValue : public MirroringRequest, public ::testing::WithParamInterface<MissingValue> {};
 
 TEST_P(WithoutAValue, EndsInGattFailAtOnce)
@@ -121,6 +137,7 @@ TEST_P(WithoutAValue, EndsInGattFailAtOnce)
     EXPECT_EQ(Calls("wifi_"), GetParam().wifiCalls);
     EXPECT_TRUE(LogsInOrder({{ERROR, GetParam().error}, {ERROR, "exception : " + GetParam().error}}));
     EXPECT_EQ(Messages(ERROR).size(), 2U) << "said where it is found, and where the request ends";
+    EXPECT_EQ(FunctionsThatSay(GetParam().error), (std::set<std::string>{Finder(GetParam()), "OnMtuChanged"}));
     EXPECT_EQ(simulator::Alive().wifiInits, 0);
     EXPECT_EQ(simulator::Alive().wifiDirectInits, 0);
 }
@@ -178,6 +195,8 @@ TEST_F(NodLinkRequest, EndsInGattFailAtOnceWithoutTheBluetoothAddress)
         AskFromHere();
         EXPECT_EQ(Result(), LYN_REQUEST_INITIATING_RESULT_GATT_FAIL);
         EXPECT_EQ(Messages(ERROR), (Texts{"btAddress is nullptr", "exception : btAddress is nullptr"}));
+        EXPECT_EQ(FunctionsThatSay("btAddress is nullptr"),
+                  (std::set<std::string>{"GetBtAddress", "OnMtuChanged"}));
     }
     EXPECT_EQ(MessagesToPhone(), Texts{});
 }

@@ -154,6 +154,7 @@ TEST_P(FoundPhone, WithoutAScanResultIsDroppedWithALine)
     Call(0, nullptr);
     Call(-1, nullptr);
     ExpectDroppedWith({"discInfo is NULL", "discInfo is NULL"});
+    EXPECT_THAT(FunctionsThatSay("discInfo"), ElementsAre("OnLeScanResult"));
 }
 
 TEST_P(FoundPhone, WithoutAnAddressIsDroppedWithALine)
@@ -162,6 +163,7 @@ TEST_P(FoundPhone, WithoutAnAddressIsDroppedWithALine)
     scan.Info()->remote_address = nullptr;
     Call(0, scan.Info());
     ExpectDroppedWith({"disc_info->remote_address"});
+    EXPECT_THAT(FunctionsThatSay("disc_info"), ElementsAre("OnLeScanResult"));
     EXPECT_THAT(simulator::JournalText(), IsEmpty());
 }
 
@@ -176,6 +178,8 @@ TEST_P(FoundPhone, WithoutAnAdvertisingPacketIsDroppedWithALine)
 {
     simulator::DeliverAdvertisement(ADDRESS, -50, std::nullopt, NameResponse("Kitchen"));
     ExpectDroppedWith({"adv data is nullptr"});
+    EXPECT_THAT(FunctionsThatSay("adv data is nullptr"),
+                ElementsAre(IsNodLink() ? "BuildExtraData" : "GetDeviceId"));
     EXPECT_THAT(simulator::JournalText(), IsEmpty());
 }
 
@@ -184,6 +188,7 @@ TEST_P(FoundPhone, WhoseManufacturerDataCannotBeReadIsDroppedWithTheCode)
     simulator::FailCall(GET_DATA, -74);
     DeliverGood();
     ExpectDroppedWith({std::string(GET_DATA) + " api failed [0xffffffb6]"});
+    EXPECT_THAT(FunctionsThatSay("api failed"), ElementsAre("GetManufDataFromScanResult"));
     EXPECT_EQ(CountCalls(GET_DATA), 1) << "the scan response is not read any more";
 }
 
@@ -192,6 +197,7 @@ TEST_P(FoundPhone, WhoseManufacturerDataIsNullIsDroppedWithALine)
     simulator::NullText(GET_DATA);
     DeliverGood();
     ExpectDroppedWith({"exception manufacturer data is null"});
+    EXPECT_THAT(FunctionsThatSay("manufacturer data is null"), ElementsAre("OnLeScanResult"));
 }
 
 TEST_P(FoundPhone, WhoseManufacturerDataIsEmptyIsDroppedWithALine)

@@ -62,6 +62,7 @@ TEST_F(Name, IsLoggedWithAllTheDataAndItsLength)
     simulator::ClearLog();
     KovName(data);
     EXPECT_THAT(Messages(INFO), ElementsAre("42 19 61 62 00 ff / ab / 6"));
+    EXPECT_THAT(FunctionsThatSay(" / ab / "), ElementsAre("ConvertManufacturerDataToDeviceName"));
 }
 
 TEST_F(Name, ThatLooksLikeAFormatIsLoggedAsItStands)

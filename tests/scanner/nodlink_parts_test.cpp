@@ -130,6 +130,7 @@ TEST_F(NodLinkParts, RejectNullDataWithALine)
     EXPECT_EQ(ThrownBy<LynExceptionNotValidDevice>([&] { scanner.GetScreeeMirroringAvalaiable(nullptr); }),
               "data is nullptr");
     EXPECT_THAT(Messages(ERROR), ElementsAre("data is nullptr", "data is nullptr"));
+    EXPECT_THAT(FunctionsThatSay("data is nullptr"), ElementsAre("GetDeviceType", "GetScreeeMirroringAvalaiable"));
 }
 
 TEST_F(NodLinkParts, WriteAPhoneAsOneLineOfJsonInTheOrderOfTheKeys)

@@ -104,6 +104,7 @@ TEST_P(Scan, ThatThePlatformRefusesTakesTheBoostBackBeforeItIsLogged)
     EXPECT_EQ(app->StartScan(), LYN_ERROR_OPERATION_FAILED);
     EXPECT_THAT(BluetoothCalls(), ElementsAre(ChooseMode(), BOOST_ON, START_SCAN, BOOST_OFF));
     EXPECT_THAT(ScannerErrors(), ElementsAre("bt_adapter_le_start_scan failed with [0x00ab]"));
+    EXPECT_THAT(FunctionsThatSay("bt_adapter_le_start_scan failed"), ElementsAre("StartScan"));
     EXPECT_THAT(simulator::KernelLog(), IsEmpty());
     EXPECT_FALSE(simulator::Alive().boosted);
 
@@ -145,6 +146,7 @@ TEST_P(Scan, StopsWellForTwoCodesOnly)
         simulator::FailCall("bt_adapter_le_stop_scan", code);
         EXPECT_EQ(app->StopScan(), LYN_ERROR_OPERATION_FAILED);
         EXPECT_THAT(ScannerErrors(), ElementsAre("bt_adapter_le_stop_scan failed with [" + text + "]"));
+        EXPECT_THAT(FunctionsThatSay("bt_adapter_le_stop_scan failed"), ElementsAre("StopScan"));
         EXPECT_FALSE(simulator::Alive().boosted) << "the boost is off all the same";
     }
     simulator::ClearLog();

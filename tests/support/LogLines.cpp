@@ -39,6 +39,17 @@ std::vector<std::string> Messages(Priority priority)
     return messages;
 }
 
+std::set<std::string> FunctionsThatSay(const std::string& text)
+{
+    std::set<std::string> functions;
+    for (const Line& line : LogLines()) {
+        if (line.message.find(text) != line.message.npos) {
+            functions.insert(line.function);
+        }
+    }
+    return functions;
+}
+
 int CountLog(Priority priority, const std::string& message)
 {
     const std::vector<std::string> messages = Messages(priority);

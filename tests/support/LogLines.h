@@ -3,6 +3,7 @@
 // The library's log, as captured by the simulator, without the "file: function(line) > " in front.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,8 @@ Line Parse(const simulator::LogLine& line);
 std::vector<Line> LogLines();
 /// The messages of one priority.
 std::vector<std::string> Messages(Priority priority);
+/// The functions that have said something with this text in it.
+std::set<std::string> FunctionsThatSay(const std::string& text);
 /// How many lines of this priority carry exactly this message.
 int CountLog(Priority priority, const std::string& message);
 /// True when a line of this priority carries exactly this message.

@@ -13,18 +13,11 @@
 namespace lyn {
 namespace {
 
-// Wi-Fi Direct, open to the end of the scope.
-class WifiDirect {
-public:
-    WifiDirect()
-    {
-        if (wifi_direct_initialize() != PLATFORM_OK) {
-            LogAndThrow<LynExceptionInternal>("Fail to wifi_direct_initialize");
-        }
-    }
-    ~WifiDirect() { wifi_direct_deinitialize(); }
-    WifiDirect(const WifiDirect&) = delete;
-    WifiDirect& operator=(const WifiDirect&) = delete;
+struct WifiDirectDeinitializer {
+    WifiDirectDeinitializer() = default;
+    ~WifiDirectDeinitializer() { wifi_direct_deinitialize(); }
+    WifiDirectDeinitializer(const WifiDirectDeinitializer&) = delete;
+    WifiDirectDeinitializer& operator=(const WifiDirectDeinitializer&) = delete;
 };
 
 }  // namespace
@@ -92,7 +85,10 @@ std::string CExchangeData::GetBtAddress() const
 
 std::string CExchangeData::GetP2PMac() const
 {
-    const WifiDirect wifiDirect;
+    if (wifi_direct_initialize() != PLATFORM_OK) {
+        LogAndThrow<LynExceptionInternal>("Fail to wifi_direct_initialize");
+    }
+    const WifiDirectDeinitializer deinitializer;
     char* buffer = nullptr;
     if (wifi_direct_get_mac_address(&buffer) != PLATFORM_OK) {
         LogAndThrow<LynExceptionInternal>("Fail to wifi_direct_get_mac_address");

@@ -36,16 +36,6 @@ Appearance MapAppearance(Appearance own)
     return own;
 }
 
-Json::Value ParseMetaData(const std::string& text)
-{
-    Json::Value metaData;
-    std::string error;
-    if (!FromJsonText(text, metaData, error)) {
-        LogAndThrow<LynExceptionInternal>(error);
-    }
-    return metaData;
-}
-
 bool Lists(const Json::Value& metaData, const char* array, const std::string& appId)
 {
     const Json::Value& apps = metaData[array];
@@ -115,7 +105,11 @@ std::string CNodLinkExchangeData::GetMirroringTypeFromAppId(const std::string& a
     if (text->size() > MOST_META_DATA) {
         LogAndThrow<LynExceptionInternal>("meta_data file is too long");
     }
-    const Json::Value metaData = ParseMetaData(*text);
+    Json::Value metaData;
+    std::string error;
+    if (!FromJsonText(*text, metaData, error)) {
+        LogAndThrow<LynExceptionInternal>(error);
+    }
     if (Lists(metaData, FULL_VIEW, appId)) {
         return FULL_VIEW;
     }

@@ -15,7 +15,8 @@ constexpr const char* APP_ID_FILE = "/opt/etc/.lyn_appid";
 constexpr std::size_t MOST_APP_ID = 256;
 
 // The first word of the file. None without the file, and none where an id would have to be cut.
-std::optional<std::string> ReadAppId()
+// Logged in the name of the caller.
+std::optional<std::string> ReadAppId(const char* function = __builtin_FUNCTION())
 {
     constexpr const char* blanks = " \t\n\v\f\r";
     const std::optional<std::string> text = ReadTvFile(APP_ID_FILE, MOST_APP_ID + 1);
@@ -25,7 +26,7 @@ std::optional<std::string> ReadAppId()
     const std::size_t start = std::min(text->find_first_not_of(blanks), text->size());
     const std::size_t end = std::min(text->find_first_of(blanks, start), text->size());
     if (end > MOST_APP_ID) {
-        LYN_LOGE("app id in %s is not within its first %zu bytes", APP_ID_FILE, MOST_APP_ID);
+        LYN_LOGE_AS(function, "app id in %s is not within its first %zu bytes", APP_ID_FILE, MOST_APP_ID);
         return std::nullopt;
     }
     return text->substr(start, end - start);

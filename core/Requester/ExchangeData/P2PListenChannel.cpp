@@ -38,28 +38,28 @@ struct WifiDeinitializer {
 
 }  // namespace
 
-int ReadP2PListenChannelSetting()
+int ReadP2PListenChannelSetting(const char* function)
 {
     int value = P2P_LISTEN_STOPPED;
     for (int attempt = 1; attempt <= MAX_TRIES; ++attempt) {
-        LYN_LOGI("try : %d", attempt);
+        LYN_LOGI_AS(function, "try : %d", attempt);
         if (vconf_get_int(KEY_LISTEN_CHANNEL, &value) != PLATFORM_OK) {
-            LogAndThrow<LynExceptionInternal>(
-                "fail to get memory/menu/network/screenmirroring/p2p_listen_channel");
+            LogAndThrow<LynExceptionInternal>("fail to get memory/menu/network/screenmirroring/p2p_listen_channel",
+                                              __FILE__, function);
         }
         if (value != P2P_LISTEN_STOPPED) {
             return value;
         }
         Pause();
     }
-    LogAndThrow<LynExceptionInternal>("p2p listen is stopped");
+    LogAndThrow<LynExceptionInternal>("p2p listen is stopped", __FILE__, function);
 }
 
-std::optional<int> ReadConnectedFrequency()
+std::optional<int> ReadConnectedFrequency(const char* function)
 {
     const int initialized = wifi_initialize();
     if (initialized != PLATFORM_OK && initialized != WIFI_ERROR_ALREADY_INITIALIZED) {
-        LogAndThrow<LynExceptionInternal>("Fail to init wifi");
+        LogAndThrow<LynExceptionInternal>("Fail to init wifi", __FILE__, function);
     }
     wifi_ap_h ap = nullptr;
     if (wifi_get_connected_ap(&ap) != PLATFORM_OK) {
@@ -68,15 +68,15 @@ std::optional<int> ReadConnectedFrequency()
     const WifiDeinitializer deinitializer;
     char* buffer = nullptr;
     if (wifi_ap_get_bssid(ap, &buffer) != PLATFORM_OK) {
-        LogAndThrow<LynExceptionInternal>("Fail to get bssid of connected ap");
+        LogAndThrow<LynExceptionInternal>("Fail to get bssid of connected ap", __FILE__, function);
     }
     if (buffer == nullptr) {
-        LogAndThrow<LynExceptionInternal>("bssid is null");
+        LogAndThrow<LynExceptionInternal>("bssid is null", __FILE__, function);
     }
     const PlatformText bssid(buffer);
     int frequency = 0;
     if (wifi_ap_get_frequency(ap, &frequency) != PLATFORM_OK) {
-        LogAndThrow<LynExceptionInternal>("fail to get frequency");
+        LogAndThrow<LynExceptionInternal>("fail to get frequency", __FILE__, function);
     }
     return frequency;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Where the TV listens for Wi-Fi Direct, as the platform tells it.
+// Where the TV listens for Wi-Fi Direct, as the platform tells it. Logged in the name of the caller.
 #pragma once
 
 #include <optional>
@@ -14,9 +14,9 @@ constexpr int P2P_DEFAULT_CHANNEL = 1;
 
 /// Reads the setting, five times with 200 ms behind each while the listener is stopped. Throws
 /// LynExceptionInternal when it stays so or cannot be read.
-int ReadP2PListenChannelSetting();
+int ReadP2PListenChannelSetting(const char* function = __builtin_FUNCTION());
 
 /// Frequency in MHz of the connected access point, none without one. Throws LynExceptionInternal.
-std::optional<int> ReadConnectedFrequency();
+std::optional<int> ReadConnectedFrequency(const char* function = __builtin_FUNCTION());
 
 }  // namespace lyn
