@@ -42,15 +42,18 @@ void KmsgPrint(const char* tag, const char* function, const char* format, ...)
 
 // "file: function(line) > " and the caller's format with at least one argument: a fixed text goes
 // through "%s".
+#define LYN_LOG(priority, format, ...)                                                     \
+    platform_log_print(lyn::LOG_ID_MAIN, (priority), lyn::LOG_TAG, "%s: %s(%d) > " format, \
+                       lyn::BaseName(__FILE__), __func__, __LINE__, __VA_ARGS__)
+#define LYN_LOGD(format, ...) LYN_LOG(lyn::LOG_DEBUG, format, __VA_ARGS__)
+#define LYN_LOGI(format, ...) LYN_LOG(lyn::LOG_INFO, format, __VA_ARGS__)
+#define LYN_LOGW(format, ...) LYN_LOG(lyn::LOG_WARN, format, __VA_ARGS__)
+#define LYN_LOGE(format, ...) LYN_LOG(lyn::LOG_ERROR, format, __VA_ARGS__)
+
+// For a helper that speaks in the name of the operation that it is a part of: readers filter by that.
 #define LYN_LOG_AS(function, priority, format, ...)                                        \
     platform_log_print(lyn::LOG_ID_MAIN, (priority), lyn::LOG_TAG, "%s: %s(%d) > " format, \
                        lyn::BaseName(__FILE__), (function), __LINE__, __VA_ARGS__)
-#define LYN_LOGD(format, ...) LYN_LOG_AS(__func__, lyn::LOG_DEBUG, format, __VA_ARGS__)
-#define LYN_LOGI(format, ...) LYN_LOG_AS(__func__, lyn::LOG_INFO, format, __VA_ARGS__)
-#define LYN_LOGW(format, ...) LYN_LOG_AS(__func__, lyn::LOG_WARN, format, __VA_ARGS__)
-#define LYN_LOGE(format, ...) LYN_LOG_AS(__func__, lyn::LOG_ERROR, format, __VA_ARGS__)
-
-// For a helper that speaks in the name of the operation that it is a part of: readers filter by that.
 #define LYN_LOGI_AS(function, format, ...) LYN_LOG_AS(function, lyn::LOG_INFO, format, __VA_ARGS__)
 #define LYN_LOGE_AS(function, format, ...) LYN_LOG_AS(function, lyn::LOG_ERROR, format, __VA_ARGS__)
 

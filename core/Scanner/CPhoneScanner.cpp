@@ -73,7 +73,7 @@ std::string CPhoneScanner::GetDeviceName(bt_adapter_le_device_scan_result_info_s
     return ConvertManufacturerDataToDeviceName(data.get(), static_cast<unsigned int>(size));
 }
 
-std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int /*length*/)
+std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int /*length*/) const
 {
     if (info->adv_data == nullptr) {
         LogAndThrow<LynExceptionNotValidDevice>("adv data is nullptr");

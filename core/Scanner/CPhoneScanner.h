@@ -25,7 +25,7 @@ public:
     /// Throws LynExceptionNotValidDevice when the scan response is missing or holds no name.
     std::string GetDeviceName(bt_adapter_le_device_scan_result_info_s* info, int length);
     /// Throws LynExceptionNotValidDevice for a phone that is not of the feature, or says too little.
-    std::string GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int length);
+    std::string GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int length) const;
 
     /// `data` is the manufacturer data of the scan response. Throws LynExceptionNotValidDevice.
     virtual std::string ConvertManufacturerDataToDeviceName(const char* data, unsigned int length) = 0;

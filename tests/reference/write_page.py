@@ -110,7 +110,7 @@ def check_helpers(path, problems):
         if helper not in IN_CALLERS_NAME:
             problems.append(f"{path}: {helper}() logs in its caller's name; name it in IN_CALLERS_NAME")
     raw = len(re.findall(r"\bplatform_log_print\(", code))
-    allowed = {"lyn_service.cpp": 1, "Failure.h": 1, "lyn_service_log.h": 1}.get(path.name, 0)
+    allowed = {"lyn_service.cpp": 1, "Failure.h": 1, "lyn_service_log.h": 2}.get(path.name, 0)
     if raw != allowed:
         problems.append(f"{path}: platform_log_print() is called past the macros of lyn_service_log.h")
 

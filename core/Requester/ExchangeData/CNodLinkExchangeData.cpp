@@ -17,7 +17,7 @@ constexpr const char* FULL_VIEW = "screenmirroring_fullview";
 constexpr const char* MULTI_VIEW = "screenmirroring_multiview";
 constexpr const char* SOUND = "soundmirroring";
 
-constexpr std::size_t MOST_META_DATA = 1024 * 1024;
+constexpr std::size_t MOST_META_DATA = 1U << 20U;
 
 // What a phone is shown as, by the product's own type and icon.
 struct Appearance {
