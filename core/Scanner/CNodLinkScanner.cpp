@@ -3,7 +3,6 @@
 
 #include <json/value.h>
 
-#include <memory>
 #include <utility>
 
 #include "Common/Failure.h"
@@ -21,6 +20,7 @@ constexpr char KIND_PHONE = 13;
 constexpr char KIND_AV = 4;
 constexpr int VERSION_OFFSET = 13;
 constexpr int SHORTEST_DATA = VERSION_OFFSET + 1;
+constexpr const char* NOT_NODLINK = "Not Nodlink device";
 
 bool HasBits(char byte, unsigned mask)
 {
@@ -92,41 +92,54 @@ int CNodLinkScanner::GetScreeeMirroringAvalaiable(const char* data) const
     return HasBits(data[6], 0x01) ? 1 : 0;
 }
 
+const std::string* CNodLinkScanner::FindDeviceType(const char* data) const
+{
+    if (data[KIND_OFFSET] == KIND_PHONE && HasBits(data[5], 0x04)) {
+        return &m_MobileDeviceType;
+    }
+    if (data[KIND_OFFSET] == KIND_AV && HasBits(data[2], 0x03) && HasBits(data[4], 0x20)) {
+        return &m_AvDeviceType;
+    }
+    return nullptr;
+}
+
 std::string CNodLinkScanner::GetDeviceType(const char* data) const
 {
     CheckData(data);
-    if (data[KIND_OFFSET] == KIND_PHONE && HasBits(data[5], 0x04)) {
-        return m_MobileDeviceType;
+    const std::string* const deviceType = FindDeviceType(data);
+    if (deviceType == nullptr) {
+        throw LynExceptionNotValidDevice(NOT_NODLINK);
     }
-    if (data[KIND_OFFSET] == KIND_AV && HasBits(data[2], 0x03) && HasBits(data[4], 0x20)) {
-        return m_AvDeviceType;
+    return *deviceType;
+}
+
+Reading<std::string> CNodLinkScanner::ReadExtraData(const bt_adapter_le_device_scan_result_info_s& info) const
+{
+    const Reading<ManufacturerData> reading = ReadAdvertising(info, "BuildExtraData");
+    if (const Rejection* const rejection = RejectionOf(reading)) {
+        return *rejection;
     }
-    throw LynExceptionNotValidDevice("Not Nodlink device");
+    const auto& advertised = std::get<ManufacturerData>(reading);
+    if (advertised.company != COMPANY_ID) {
+        return Rejection{"Not Calyxon device"};
+    }
+    const char* const data = advertised.data.get();
+    const std::string* const deviceType = advertised.length < SHORTEST_DATA ? nullptr : FindDeviceType(data);
+    if (deviceType == nullptr) {
+        return Rejection{NOT_NODLINK};
+    }
+    Json::Value extraData;
+    extraData["device_type"] = *deviceType;
+    if (*deviceType == m_MobileDeviceType) {
+        extraData["sm_available"] = GetScreeeMirroringAvalaiable(data);
+        extraData["nodlink_version"] = GetVersion(data);
+    }
+    return ToJsonText(extraData);
 }
 
 std::string CNodLinkScanner::BuildExtraData(bt_adapter_le_device_scan_result_info_s* info) const
 {
-    if (info->adv_data == nullptr) {
-        LogAndThrow<LynExceptionNotValidDevice>("adv data is nullptr");
-    }
-    int company = 0;
-    int length = 0;
-    const std::shared_ptr<char> data =
-        GetManufDataFromScanResult(info, BT_ADAPTER_LE_PACKET_ADVERTISING, company, length);
-    if (company != COMPANY_ID) {
-        throw LynExceptionNotValidDevice("Not Calyxon device");
-    }
-    if (length < SHORTEST_DATA) {
-        throw LynExceptionNotValidDevice("Not Nodlink device");
-    }
-    Json::Value extraData;
-    const std::string deviceType = GetDeviceType(data.get());
-    extraData["device_type"] = deviceType;
-    if (deviceType == m_MobileDeviceType) {
-        extraData["sm_available"] = GetScreeeMirroringAvalaiable(data.get());
-        extraData["nodlink_version"] = GetVersion(data.get());
-    }
-    return ToJsonText(extraData);
+    return OrThrow(ReadExtraData(*info));
 }
 
 void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
@@ -135,7 +148,12 @@ void CNodLinkScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_r
         return;
     }
     try {
-        const std::string extraData = BuildExtraData(info);
+        const Reading<std::string> reading = ReadExtraData(*info);
+        if (const Rejection* const rejection = RejectionOf(reading)) {
+            Drop(*rejection);
+            return;
+        }
+        const auto& extraData = std::get<std::string>(reading);
         KmsgPrint(LOG_TAG, __func__, "[%s] address : %s, extra_data : %s", LynUtil::GetCurTime().c_str(),
                   info->remote_address, extraData.c_str());
         NotifyDeviceFound("", info->remote_address, "", info->rssi, extraData);

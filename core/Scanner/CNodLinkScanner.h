@@ -32,6 +32,10 @@ protected:
     void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info) override;
 
 private:
+    /// GetDeviceType() and BuildExtraData() without the throw; no type for a device that is none of ours.
+    const std::string* FindDeviceType(const char* data) const;
+    Reading<std::string> ReadExtraData(const bt_adapter_le_device_scan_result_info_s& info) const;
+
     int m_ScanInterval = 1000;
     int m_ScanWindow = 500;
     std::string m_AvDeviceType = "av";

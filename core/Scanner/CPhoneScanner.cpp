@@ -17,6 +17,7 @@ namespace {
 constexpr int MARKER_OFFSET = 1;
 constexpr int UNIQUE_ID_OFFSET = 2;
 constexpr int UNIQUE_ID_LENGTH = 22;
+constexpr int SHORTEST_DATA = UNIQUE_ID_OFFSET + UNIQUE_ID_LENGTH;
 constexpr unsigned int NAME_OFFSET = 2;
 
 }  // namespace
@@ -44,9 +45,14 @@ bool CPhoneScanner::StopScan()
     return StopPlatformScan();
 }
 
+bool CPhoneScanner::IsMarked(int manufacturerId, const char* data) const
+{
+    return manufacturerId == COMPANY_ID && data[MARKER_OFFSET] == m_Feature.marker;
+}
+
 void CPhoneScanner::CheckVaildAdvertisement(int manufacturerId, const char* data) const
 {
-    if (manufacturerId != COMPANY_ID || data[MARKER_OFFSET] != m_Feature.marker) {
+    if (!IsMarked(manufacturerId, data)) {
         throw LynExceptionNotValidDevice(m_Feature.rejection);
     }
 }
@@ -73,20 +79,23 @@ std::string CPhoneScanner::GetDeviceName(bt_adapter_le_device_scan_result_info_s
     return ConvertManufacturerDataToDeviceName(data.get(), static_cast<unsigned int>(size));
 }
 
+Reading<std::string> CPhoneScanner::ReadDeviceId(const bt_adapter_le_device_scan_result_info_s& info) const
+{
+    const Reading<ManufacturerData> reading = ReadAdvertising(info, "GetDeviceId");
+    if (const Rejection* const rejection = RejectionOf(reading)) {
+        return *rejection;
+    }
+    const auto& advertised = std::get<ManufacturerData>(reading);
+    const char* const data = advertised.data.get();
+    if (advertised.length < SHORTEST_DATA || !IsMarked(advertised.company, data)) {
+        return Rejection{m_Feature.rejection};
+    }
+    return std::string(data + UNIQUE_ID_OFFSET, UNIQUE_ID_LENGTH);
+}
+
 std::string CPhoneScanner::GetDeviceId(bt_adapter_le_device_scan_result_info_s* info, int /*length*/) const
 {
-    if (info->adv_data == nullptr) {
-        LogAndThrow<LynExceptionNotValidDevice>("adv data is nullptr");
-    }
-    int company = 0;
-    int size = 0;
-    const std::shared_ptr<char> data =
-        GetManufDataFromScanResult(info, BT_ADAPTER_LE_PACKET_ADVERTISING, company, size);
-    if (size < UNIQUE_ID_OFFSET + UNIQUE_ID_LENGTH) {
-        throw LynExceptionNotValidDevice(m_Feature.rejection);
-    }
-    CheckVaildAdvertisement(company, data.get());
-    return {data.get() + UNIQUE_ID_OFFSET, UNIQUE_ID_LENGTH};
+    return OrThrow(ReadDeviceId(*info));
 }
 
 void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_result_info_s* info)
@@ -95,11 +104,15 @@ void CPhoneScanner::OnLeScanResult(int /*result*/, bt_adapter_le_device_scan_res
         return;
     }
     try {
-        const std::string uniqueId = GetDeviceId(info, info->adv_data_len);
+        const Reading<std::string> uniqueId = ReadDeviceId(*info);
+        if (const Rejection* const rejection = RejectionOf(uniqueId)) {
+            Drop(*rejection);
+            return;
+        }
         const std::string name = GetDeviceName(info, info->scan_data_len);
-        NotifyDeviceFound(name, info->remote_address, uniqueId, info->rssi, "");
+        NotifyDeviceFound(name, info->remote_address, std::get<std::string>(uniqueId), info->rssi, "");
     } catch (const LynExceptionNotValidDevice&) {
-        // Another kind of phone, or one that says too little; what there is to say has been logged.
+        // A phone that says too little; what there is to say has been logged.
     } catch (const std::exception& e) {
         LYN_LOGE("exception %s", e.what());
     }

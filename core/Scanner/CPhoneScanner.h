@@ -48,6 +48,10 @@ protected:
                                 const char* function = __builtin_FUNCTION());
 
 private:
+    bool IsMarked(int manufacturerId, const char* data) const;
+    /// GetDeviceId() without the throw.
+    Reading<std::string> ReadDeviceId(const bt_adapter_le_device_scan_result_info_s& info) const;
+
     Feature m_Feature;
 };
 

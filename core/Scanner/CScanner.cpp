@@ -75,29 +75,42 @@ void CScanner::NotifyScanStateChanged(ScanState state)
     m_ScanStateChangedCallback(state);
 }
 
+Reading<CScanner::ManufacturerData>
+CScanner::ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s& info,
+                               bt_adapter_le_packet_type_e packetType)
+{
+    int company = 0;
+    char* buffer = nullptr;
+    int length = 0;
+    const int result =
+        bt_adapter_le_get_scan_result_manufacturer_data(&info, packetType, &company, &buffer, &length);
+    if (result != PLATFORM_OK) {
+        LYN_LOGE_AS("GetManufDataFromScanResult",
+                    "bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]",
+                    static_cast<unsigned>(result));
+        return ManufacturerData{};
+    }
+    PlatformText data(buffer);
+    if (!data) {
+        return Rejection{"manufacturer data is null", true};
+    }
+    if (length < 1) {
+        return Rejection{"lenth is less then 1", true};
+    }
+    return ManufacturerData{std::move(data), company, length};
+}
+
 std::shared_ptr<char> CScanner::GetManufDataFromScanResult(bt_adapter_le_device_scan_result_info_s* info,
                                                            bt_adapter_le_packet_type_e packetType,
                                                            int& manufacturerId, int& length)
 {
-    int company = 0;
-    char* buffer = nullptr;
-    int size = 0;
-    const int result = bt_adapter_le_get_scan_result_manufacturer_data(info, packetType, &company, &buffer, &size);
-    if (result != PLATFORM_OK) {
-        LYN_LOGE("bt_adapter_le_get_scan_result_manufacturer_data api failed [0x%04x]",
-                 static_cast<unsigned>(result));
+    ManufacturerData found = OrThrow(ReadManufacturerData(*info, packetType));
+    if (!found.data) {
         return {};
     }
-    if (buffer == nullptr) {
-        throw LynExceptionInvalidParam("manufacturer data is null");
-    }
-    std::shared_ptr<char> data(buffer, FreeDeleter());
-    if (size < 1) {
-        throw LynExceptionInvalidParam("lenth is less then 1");
-    }
-    manufacturerId = company;
-    length = size;
-    return data;
+    manufacturerId = found.company;
+    length = found.length;
+    return {std::move(found.data)};
 }
 
 void CScanner::SetBleAdvertisementInterval(int interval)
@@ -122,6 +135,23 @@ bool CScanner::IsUsable(const bt_adapter_le_device_scan_result_info_s* info, con
         return false;
     }
     return true;
+}
+
+Reading<CScanner::ManufacturerData> CScanner::ReadAdvertising(const bt_adapter_le_device_scan_result_info_s& info,
+                                                              const char* function)
+{
+    if (info.adv_data == nullptr) {
+        LYN_LOGE_AS(function, "%s", "adv data is nullptr");
+        return Rejection{"adv data is nullptr"};
+    }
+    return ReadManufacturerData(info, BT_ADAPTER_LE_PACKET_ADVERTISING);
+}
+
+void CScanner::Drop(const Rejection& rejection, const char* function)
+{
+    if (rejection.isDefect) {
+        LYN_LOGE_AS(function, "exception %s", rejection.reason);
+    }
 }
 
 bool CScanner::StartPlatformScan(const char* function)

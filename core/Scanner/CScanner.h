@@ -10,7 +10,9 @@
 #include <string>
 
 #include "Common/LiveObject.h"
+#include "Common/PlatformText.h"
 #include "Scanner/IScanner.h"
+#include "Scanner/Reading.h"
 #include "lyn_platform/bluetooth.h"
 
 namespace lyn {
@@ -40,6 +42,12 @@ public:
     void SetBleAdvertisementInterval(int interval);
 
 protected:
+    struct ManufacturerData {
+        PlatformText data;  ///< Null when the platform finds none; the numbers are 0 then.
+        int company = 0;
+        int length = 0;
+    };
+
     /// One scan result. Nothing is thrown but what is no standard exception.
     virtual void OnLeScanResult(int result, bt_adapter_le_device_scan_result_info_s* info);
 
@@ -52,8 +60,15 @@ protected:
     /// False, with a log line, for a scan result that no scanner can use.
     static bool IsUsable(const bt_adapter_le_device_scan_result_info_s* info,
                          const char* function = __builtin_FUNCTION());
+    /// The manufacturer data of the advertising packet; rejected with a log line when there is no such packet.
+    static Reading<ManufacturerData> ReadAdvertising(const bt_adapter_le_device_scan_result_info_s& info,
+                                                     const char* function);
+    /// A defect is logged, any other rejection is not: nearly every advertisement in the air has one.
+    static void Drop(const Rejection& rejection, const char* function = __builtin_FUNCTION());
 
 private:
+    static Reading<ManufacturerData> ReadManufacturerData(const bt_adapter_le_device_scan_result_info_s& info,
+                                                          bt_adapter_le_packet_type_e packetType);
     static void ScanResultTrampoline(int result, bt_adapter_le_device_scan_result_info_s* info, void* userData);
 
     DeviceFoundCb m_DeviceFoundCallback;
