@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the simulation has kept: journal and logs; and the faults that wait for their call.
+#include "CallWatch.h"
 #include "LogBook.h"
 #include "Simulator.h"
 
@@ -62,6 +63,11 @@ void ClearFaults()
     Simulator& simulator = Simulator::Started();
     const std::lock_guard lock(simulator.mutex);
     simulator.faults.Clear();
+}
+
+void SetCallListener(const std::function<void(const CallMoment&)>& listener)
+{
+    CallWatch::Listen(listener);
 }
 
 std::vector<LogLine> Log()

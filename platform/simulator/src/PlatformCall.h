@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "ArgumentText.h"
+#include "CallWatch.h"
 #include "Simulator.h"
 
 namespace lyn::simulator {
@@ -67,11 +68,12 @@ private:
     CallJournal::Entry* m_entry;
 };
 
-/// Does what every platform function does: takes the lock, writes the journal, and fails instead of
-/// running its body when a fault says so.
+/// Does what every platform function does: tells the listener, takes the lock, writes the journal, and fails
+/// instead of running its body when a fault says so.
 template <typename... Values, typename Body>
 int Perform(const char* function, const std::tuple<Values...>& in, Body body)
 {
+    const CallWatch watch(function);
     Simulator& simulator = Simulator::Started();
     const std::lock_guard lock(simulator.mutex);
     PlatformCall call(simulator, function);

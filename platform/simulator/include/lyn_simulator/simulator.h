@@ -202,6 +202,20 @@ void NullText(const std::string& function, int nth = 1);
 void FailAnyCall(int code, int nth);
 void ClearFaults();
 
+/// One end of a platform call: its work is about to begin, or has been done.
+struct CallMoment {
+    enum class Phase { before, after };
+
+    std::string function;
+    Phase phase = Phase::before;
+    std::string text;  ///< of platform_log_print: the line; else empty
+};
+/// Tells `listener` of both ends of every platform call that begins from now on, log calls and the opening of the
+/// kernel log included; none for nobody. It is told on the calling thread, while the simulation holds no lock,
+/// and by several threads at once: it may block the thread for as long as it likes, and use this interface
+/// meanwhile. Its own platform calls are told, too. It must not throw. A Reset() leaves it in place.
+void SetCallListener(const std::function<void(const CallMoment&)>& listener);
+
 // ---- Logs ------------------------------------------------------------------------------------------
 
 struct LogLine {
