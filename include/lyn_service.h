@@ -12,11 +12,15 @@
  *     requests and found phones are delivered on the thread that runs the GLib default main context:
  *     run a GLib main loop to receive them. A state change is reported on the thread that causes it, for
  *     a call of yours before that call returns.
+ *     lyn_start_scan(), lyn_stop_scan() and the requests of a service take turns, and may wait for the
+ *     platform's answer to such a call of the service before it. They, and whatever else changes the state,
+ *     wait for a state callback that another thread is in. Nothing else waits for another thread.
  *  4. Texts given to a callback belong to the library and live until the callback returns. Copy what you
  *     keep. `user_data` is handed back as given and never read.
- *  5. Every callback may call every function, with one exception: the state callback must not start or
- *     stop anything on the service that it reports (the library would wait for itself). Destroying a
- *     service inside its own callback is allowed; nothing is delivered for it afterwards.
+ *  5. Every callback may call every function. But as long as the state callback of a service has not
+ *     returned, a scan, a request, or a stop that would change the state of that service, called by the
+ *     same thread, is refused with LYN_ERROR_INVALID_STATE. Post it to the main loop with g_idle_add().
+ *     Destroying a service inside its own callback is allowed; nothing is delivered for it afterwards.
  *  6. A null callback is allowed: nothing is called.
  *  7. Failures outside lyn_error_e (a failed allocation, the two arguments that say so below) leave as
  *     C++ exceptions; from C they end the process.
@@ -160,16 +164,17 @@ typedef void (*lyn_request_initiating_result_cb)(lyn_request_initiating_result_e
  * @param cb state reports, may be null; none comes before the first operation.
  * @param user_data handed to cb.
  * @return LYN_ERROR_INVALID_PARAMETER for a null or unknown name, a null `service` or a handle that is
- *         not null; LYN_ERROR_ALREADY_DONE while a service lives; LYN_ERROR_INTERNAL when a "nodlink"
- *         service finds Bluetooth off or the TV going to sleep.
+ *         not null; LYN_ERROR_ALREADY_DONE while a service lives or is being created; LYN_ERROR_INTERNAL when a
+ *         "nodlink" service finds Bluetooth off or the TV going to sleep.
  */
 lyn_error_e lyn_create_service(void **service, const char *service_name, lyn_state_changed_cb cb, void *user_data);
 
 /**
- * Destroys a service. Nothing is delivered for it afterwards, but for a callback that the main loop has
- * begun when another thread destroys: it runs to its end. A running scan of the platform is not stopped:
- * call lyn_stop_scan() first. A call in progress on another thread ends normally and the service lives
- * until then.
+ * Destroys a service, without waiting for anything. Nothing is delivered for it afterwards, but for a
+ * callback that has begun, or is just beginning, on another thread: it runs to its end. A running scan of
+ * the platform is not stopped: call lyn_stop_scan() first. A call in progress on another thread ends with
+ * LYN_ERROR_NONE, LYN_ERROR_INVALID_STATE or LYN_ERROR_INVALID_PARAMETER, without an effect on the next
+ * service.
  *
  * @return LYN_ERROR_INVALID_HANDLE when service is null or not the living one.
  */

@@ -2,14 +2,13 @@
 #include "Common/Util.h"
 
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <ctime>
-#include <mutex>
 
 #include "Common/Failure.h"
 #include "Common/JsonText.h"
 #include "Common/PlatformCodes.h"
+#include "Common/PlatformSwitch.h"
 #include "lyn_platform/bluetooth.h"
 #include "lyn_platform/settings.h"
 #include "lyn_platform/system_info.h"
@@ -22,16 +21,29 @@ constexpr const char* KEY_WIFI_FREQUENCY = "memory/wifi/frequency";
 constexpr const char* KEY_NETWORK_SPEAKER = "memory/acm/networkspeaker_status";
 constexpr int FIRST_FREQUENCY_ABOVE_2_4GHZ = 2496;
 
-// The last value that the platform accepted.
-std::atomic<bool> s_BoostEnabled{false};
-// One switch at a time: else the flag could come to say what the platform was not told last.
-std::mutex s_BoostMutex;
+PlatformSwitch<bool> s_Boost;
 
 // A key that cannot be read counts as 0.
 int ReadSetting(const char* key)
 {
     int value = 0;
     return vconf_get_int(key, &value) == PLATFORM_OK ? value : 0;
+}
+
+bool SwitchBoost(bool enable)
+{
+    constexpr const char* operation = "SetBtPerformanceBoost";
+    if (enable && IsAcmWorkOn2_4Ghz()) {
+        LYN_LOG_AS(operation, LOG_INFO, "%s", "ACM is working on 2.4Ghz");
+        return false;
+    }
+    LYN_LOG_AS(operation, LOG_INFO, "bt_adapter_le_enable_le_scan_performance_boost : %d",
+               static_cast<int>(enable));
+    const int result = bt_adapter_le_enable_le_scan_performance_boost(enable);
+    if (result != PLATFORM_OK) {
+        LYN_LOG_AS(operation, LOG_ERROR, "ERROR: bt_adapter_le_enable_le_scan_performance_boost ret %d", result);
+    }
+    return result == PLATFORM_OK;
 }
 
 }  // namespace
@@ -79,22 +91,9 @@ bool IsAcmWorkOn2_4Ghz()
 
 void SetBtPerformanceBoost(bool enable)
 {
-    const std::lock_guard lock(s_BoostMutex);
-    if (enable == s_BoostEnabled) {
+    if (!s_Boost.Wish(enable, SwitchBoost)) {
         LYN_LOGI("already %d", static_cast<int>(enable));
-        return;
     }
-    if (enable && IsAcmWorkOn2_4Ghz()) {
-        LYN_LOGI("%s", "ACM is working on 2.4Ghz");
-        return;
-    }
-    LYN_LOGI("bt_adapter_le_enable_le_scan_performance_boost : %d", static_cast<int>(enable));
-    const int result = bt_adapter_le_enable_le_scan_performance_boost(enable);
-    if (result != PLATFORM_OK) {
-        LYN_LOGE("ERROR: bt_adapter_le_enable_le_scan_performance_boost ret %d", result);
-        return;
-    }
-    s_BoostEnabled = enable;
 }
 
 std::string GetCurTime()

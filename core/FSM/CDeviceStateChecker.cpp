@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Common/PlatformCodes.h"
+#include "Common/PlatformSwitch.h"
 #include "lyn_service_log.h"
 
 namespace lyn {
@@ -13,10 +14,9 @@ namespace {
 constexpr int ADAPTER_ENABLED = 1;
 constexpr std::uint32_t FLAG_SUSPEND = 0x40000000;
 
-// The checker whose registrations are in force, by its token; guarded by the lock on live objects. The
-// platform has one slot for each registration, so a checker that is destroyed late, from inside its own
-// report, must not take the slots of the one that came after it.
-void* s_Registered = nullptr;
+// The checker whose registrations are in force, by its number. The platform has one slot for each of them, so a
+// checker that is destroyed late must not take the slots of the one that came after it.
+PlatformSwitch<std::uintptr_t> s_Registered;
 
 bool IsValidPowerState(int state)
 {
@@ -25,32 +25,66 @@ bool IsValidPowerState(int state)
 
 }  // namespace
 
+bool CDeviceStateChecekr::Register(std::uintptr_t number)
+{
+    if (number == 0) {
+        bt_adapter_unset_state_changed_cb();
+        device_power_unsubscribe_ambient_poweroff();
+        device_power_unsubscribe_poweroff_event();
+        return true;
+    }
+    void* const userData = LiveObject<CDeviceStateChecekr>::UserData(number);
+    device_power_subscribe_poweroff_event(PowerOffCb, userData);
+    device_power_subscribe_ambient_poweroff(AmbientPowerOffCb, userData);
+    bt_adapter_set_state_changed_cb(BluetoothAdapterStateChangedCb, userData);
+    return true;
+}
+
 void CDeviceStateChecekr::Init(DeviceStateChangedCallbck callback)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    // Held to the end: a report that comes meanwhile waits, and finds everything in place.
-    const auto lock = LockLiveObjects();
     m_DeviceStateChangedCallback = std::move(callback);
     UpdateCurrentPowerState();
     UpdateCurrentBluetoothAdapterState();
-    s_Registered = m_Live.UserData();
-    device_power_subscribe_poweroff_event(PowerOffCb, m_Live.UserData());
-    device_power_subscribe_ambient_poweroff(AmbientPowerOffCb, m_Live.UserData());
-    bt_adapter_set_state_changed_cb(BluetoothAdapterStateChangedCb, m_Live.UserData());
+    s_Registered.Wish(m_Live.Number(), Register);
     InitEnableState();
+}
+
+void CDeviceStateChecekr::Start()
+{
+    {
+        const std::lock_guard lock(m_Mutex);
+        m_Started = !m_EnabledMeanwhile;
+        if (m_Started) {
+            return;
+        }
+    }
+    g_idle_add(StartLate, m_Live.UserData());
+}
+
+gboolean CDeviceStateChecekr::StartLate(gpointer userData)
+{
+    CallLive<CDeviceStateChecekr>(userData, [](CDeviceStateChecekr& checker) {
+        bool enabled = false;
+        {
+            const std::lock_guard lock(checker.m_Mutex);
+            checker.m_Started = true;
+            enabled = *checker.m_EnabledMeanwhile;
+        }
+        checker.UpdateEnabledState(enabled);
+    });
+    return G_SOURCE_REMOVE;
 }
 
 void CDeviceStateChecekr::Deinit()
 {
-    const auto lock = LockLiveObjects();
-    const bool isMine = s_Registered == m_Live.UserData();
-    if (!isMine && LiveObject<CDeviceStateChecekr>::Find(s_Registered) != nullptr) {
-        return;
-    }
-    s_Registered = nullptr;
-    bt_adapter_unset_state_changed_cb();
-    device_power_unsubscribe_ambient_poweroff();
-    device_power_unsubscribe_poweroff_event();
+    s_Registered.Replace(m_Live.Number(), 0, Register);
+}
+
+bool CDeviceStateChecekr::IsEnableState() const
+{
+    const std::lock_guard lock(m_Mutex);
+    return m_Enabled;
 }
 
 void CDeviceStateChecekr::UpdateCurrentPowerState()
@@ -67,29 +101,52 @@ void CDeviceStateChecekr::UpdateCurrentBluetoothAdapterState()
     } else {
         m_BluetoothAdapterState = state;
     }
-    LYN_LOGI("BT Adapter Staet: %d", m_BluetoothAdapterState);
+    LYN_LOGI("BT Adapter Staet: %d", m_BluetoothAdapterState.load());
 }
 
 void CDeviceStateChecekr::InitEnableState()
 {
     const bool bluetoothEnabled = m_BluetoothAdapterState == ADAPTER_ENABLED;
     const bool validPowerState = IsValidPowerState(m_PowerState);
-    m_Enabled = bluetoothEnabled && validPowerState;
+    {
+        const std::lock_guard lock(m_Mutex);
+        m_Enabled = bluetoothEnabled && validPowerState;
+    }
     LYN_LOGI("bluetoothEnabled : %d, vaildPowerState %d", static_cast<int>(bluetoothEnabled),
              static_cast<int>(validPowerState));
 }
 
-void CDeviceStateChecekr::UpdateEnabledState(bool enabled)
+CDeviceStateChecekr::Change CDeviceStateChecekr::Enable(bool enabled)
 {
+    const std::lock_guard lock(m_Mutex);
+    if (!m_Started) {
+        m_EnabledMeanwhile = enabled;
+        return Change::later;
+    }
     if (enabled == m_Enabled) {
-        LYN_LOGE("%s", "same enabled state");
-        return;
+        return Change::none;
     }
     if (!m_DeviceStateChangedCallback) {
-        LYN_LOGE("%s", "callback is null");
-        return;
+        return Change::unheard;
     }
     m_Enabled = enabled;
+    return Change::made;
+}
+
+void CDeviceStateChecekr::UpdateEnabledState(bool enabled)
+{
+    switch (Enable(enabled)) {
+    case Change::later:
+        return;
+    case Change::none:
+        LYN_LOGE("%s", "same enabled state");
+        return;
+    case Change::unheard:
+        LYN_LOGE("%s", "callback is null");
+        return;
+    case Change::made:
+        break;
+    }
     LYN_LOGI("enabled : %d", static_cast<int>(enabled));
     m_DeviceStateChangedCallback(enabled);
 }
@@ -127,7 +184,7 @@ void CDeviceStateChecekr::BluetoothAdapterStateChangedCb(int /*result*/, bt_adap
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallShared<CDeviceStateChecekr>(
+    CallLive<CDeviceStateChecekr>(
         userData, [&](CDeviceStateChecekr& checker) { checker.OnBluetoothAdapterStateChanged(state); });
 }
 
@@ -137,8 +194,7 @@ int CDeviceStateChecekr::PowerOffCb(const device_power_off_info_s* info, void* u
         LYN_LOGE("%s", "userData is nullptr");
         return 0;
     }
-    CallShared<CDeviceStateChecekr>(userData,
-                                    [&](CDeviceStateChecekr& checker) { checker.OnPowerOffEvent(info); });
+    CallLive<CDeviceStateChecekr>(userData, [&](CDeviceStateChecekr& checker) { checker.OnPowerOffEvent(info); });
     return 0;
 }
 
@@ -148,8 +204,8 @@ int CDeviceStateChecekr::AmbientPowerOffCb(const device_power_off_info_s* /*info
         LYN_LOGE("%s", "userData is nullptr");
         return 0;
     }
-    CallShared<CDeviceStateChecekr>(userData,
-                                    [](CDeviceStateChecekr& checker) { checker.OnAmbientPowerOffEvent(); });
+    CallLive<CDeviceStateChecekr>(userData,
+                                  [](CDeviceStateChecekr& checker) { checker.OnAmbientPowerOffEvent(); });
     return 0;
 }
 

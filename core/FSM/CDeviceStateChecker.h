@@ -7,8 +7,13 @@
 // Held by a shared pointer, so that a report in progress keeps it while another thread destroys it.
 #pragma once
 
+#include <glib.h>
+
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <optional>
 
 #include "Common/LiveObject.h"
 #include "lyn_platform/bluetooth.h"
@@ -26,9 +31,13 @@ public:
 
     /// Reads both states and registers for their changes; reports nothing.
     void Init(DeviceStateChangedCallbck callback);
+    /// The owner is ready: changes are reported from now on. One that has come since Init() began is reported by
+    /// the main loop.
+    void Start();
     /// Ends the registrations, unless another checker has taken them over since.
     void Deinit();
-    bool IsEnableState() const { return m_Enabled; }
+    bool IsEnableState() const;
+    std::shared_ptr<void> Keep() { return weak_from_this().lock(); }
 
     static void BluetoothAdapterStateChangedCb(int result, bt_adapter_state_e state, void* userData);
     static int PowerOffCb(const device_power_off_info_s* info, void* userData);
@@ -39,16 +48,24 @@ public:
     void OnAmbientPowerOffEvent();
 
 private:
+    enum class Change { none, made, unheard, later };
+
+    static bool Register(std::uintptr_t number);
+    static gboolean StartLate(gpointer userData);
     void UpdateCurrentPowerState();
     void UpdateCurrentBluetoothAdapterState();
     void InitEnableState();
     void UpdateEnabledState(bool enabled);
+    Change Enable(bool enabled);
 
+    mutable std::mutex m_Mutex;  ///< Guards the flags, which threads of the platform change during Init().
     bool m_Enabled = false;
+    bool m_Started = false;
+    std::optional<bool> m_EnabledMeanwhile;  ///< What was reported before Start().
     int m_PowerState = 0;
-    int m_BluetoothAdapterState = 0;
+    std::atomic<int> m_BluetoothAdapterState{0};
     DeviceStateChangedCallbck m_DeviceStateChangedCallback;
-    LiveObject<CDeviceStateChecekr> m_Live{this};
+    LiveObject<CDeviceStateChecekr> m_Live{*this};
 };
 
 }  // namespace lyn

@@ -22,8 +22,6 @@ CNodLinkServiceFSM::~CNodLinkServiceFSM() = default;
 lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    // Held to the end: a report of the checker comes when the callback is in place.
-    const auto lock = LockLiveObjects();
     m_pDeviceStateChecker = std::shared_ptr<CDeviceStateChecekr>(new CDeviceStateChecekr, DeleteChecker);
     m_pDeviceStateChecker->Init([weak = weak_from_this()](bool enabled) {
         if (const auto self = weak.lock()) {
@@ -34,12 +32,13 @@ lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
         // No callback is stored yet, so this throws: a service that cannot serve is not created.
         TransitState(LYN_STATE_NOT_READY);
     }
-    return CServiceFSM::Init(std::move(stateChangedCb));
+    const lyn_error_e result = CServiceFSM::Init(std::move(stateChangedCb));
+    m_pDeviceStateChecker->Start();
+    return result;
 }
 
 void CNodLinkServiceFSM::OnDeviceEnableStateChaned(bool enabled)
 {
-    const EventScope scope(*this);
     TransitState(enabled ? LYN_STATE_READY : LYN_STATE_NOT_READY);
 }
 

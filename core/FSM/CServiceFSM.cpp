@@ -10,11 +10,12 @@ namespace lyn {
 namespace {
 
 constexpr const char* STATE_LEGEND = "(0: READY, 1: SCANNING, 2: REQUESTING, 3: NOT_READY)";
+constexpr const char* PROCESS_EVENT = "ProcessEvent";
 
-void CheckArg(const EventArgPtr& arg)
+void CheckArg(const EventArgPtr& arg, const char* handler)
 {
     if (!arg) {
-        LYN_LOGE("%s", "arg is nullptr");
+        LYN_LOG_AS(handler, LOG_ERROR, "%s", "arg is nullptr");
         throw LynExceptionInternal("event argument is nullptr");
     }
 }
@@ -28,7 +29,7 @@ void RunAction(const EventArgPtr& arg)
 
 [[noreturn]] void RefuseEvent()
 {
-    LogAndThrow<LynExceptionInvalidState>("Invalid State");
+    LogAndThrow<LynExceptionInvalidState>("Invalid State", __FILE__, PROCESS_EVENT);
 }
 
 }  // namespace
@@ -83,51 +84,35 @@ bool CServiceFSM::DeinitStateMap()
     return true;
 }
 
+CServiceFSM::Position CServiceFSM::LookAtState() const
+{
+    const Position position = m_CurrentState;
+    LYN_LOG_AS("GetCurrentState", LOG_WARN, "current state : %d %s", position.state, STATE_LEGEND);
+    return position;
+}
+
 lyn_state_e CServiceFSM::GetCurrentState() const
 {
-    const lyn_state_e state = m_CurrentState;
-    LYN_LOGW("current state : %d %s", state, STATE_LEGEND);
-    return state;
-}
-
-CServiceFSM::EventScope::EventScope(CServiceFSM& fsm) : m_Fsm(fsm)
-{
-    m_Fsm.m_EventMutex.lock();
-    if (++m_Fsm.m_EventDepth == 1) {
-        m_Fsm.m_pOutermostEvent = this;
-        m_Fsm.m_EventThread = std::this_thread::get_id();
-    }
-}
-
-CServiceFSM::EventScope::~EventScope()
-{
-    Release();
-}
-
-void CServiceFSM::EventScope::Release()
-{
-    if (m_bReleased) {
-        return;
-    }
-    m_bReleased = true;
-    if (--m_Fsm.m_EventDepth == 0) {
-        m_Fsm.m_pOutermostEvent = nullptr;
-        m_Fsm.m_EventThread = std::thread::id();
-    }
-    m_Fsm.m_EventMutex.unlock();
-}
-
-void CServiceFSM::ReleaseOutermostEvent()
-{
-    if (m_EventThread.load() == std::this_thread::get_id() && m_EventDepth == 1) {
-        m_pOutermostEvent->Release();
-    }
+    return LookAtState().state;
 }
 
 void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
 {
-    const EventScope scope(*this);
-    const auto state = m_StateMap.find(GetCurrentState());
+    Dispatch(LookAtState(), event, arg);
+}
+
+void CServiceFSM::ProcessEventSince(unsigned int moves, LynFsmEvent event, const EventArgPtr& arg)
+{
+    const Position position = LookAtState();
+    if (position.moves != moves) {
+        RefuseEvent();
+    }
+    Dispatch(position, event, arg);
+}
+
+void CServiceFSM::Dispatch(const Position& position, LynFsmEvent event, const EventArgPtr& arg)
+{
+    const auto state = m_StateMap.find(position.state);
     if (state == m_StateMap.end()) {
         RefuseEvent();
     }
@@ -137,74 +122,102 @@ void CServiceFSM::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
     }
     const EventHandler handler = found->second;
     if (handler == nullptr) {
-        LogAndThrow<LynExceptionInternal>("function pointer is nullptr");
+        LogAndThrow<LynExceptionInternal>("function pointer is nullptr", __FILE__, PROCESS_EVENT);
     }
-    (this->*handler)(arg);
+    (this->*handler)(arg, position.moves);
+}
+
+bool CServiceFSM::IsTooEarly(LynFsmEvent event) const
+{
+    const bool stays = event == LYN_FSM_EVENT_STOP_SCAN && m_CurrentState.load().state == LYN_STATE_REQUESTING;
+    return !stays && IsReporting();
 }
 
 void CServiceFSM::TransitState(lyn_state_e state)
 {
+    TransitState(state, std::nullopt);
+}
+
+bool CServiceFSM::TransitState(lyn_state_e state, std::optional<unsigned int> moves)
+{
     if (!m_StateChangedCb) {
         LogAndThrow<LynExceptionInternal>("m_StateChangedCb is nullptr");
     }
-    const std::lock_guard lock(m_Mutex);
-    LYN_LOGW("transit to %d from %d %s", state, m_CurrentState.load(), STATE_LEGEND);
-    m_CurrentState = state;
-    ++m_Transitions;
-    ReleaseOutermostEvent();
+    std::unique_lock lock(m_Mutex, std::defer_lock);
+    if (!IsReporting()) {  // Else this thread has it: the state callback runs the main loop.
+        lock.lock();
+    }
+    const Position old = m_CurrentState;
+    if (moves && *moves != old.moves) {
+        return false;
+    }
+    LYN_LOGW("transit to %d from %d %s", state, old.state, STATE_LEGEND);
+    m_CurrentState = {state, old.moves + 1};
+    Report(state);
+    return true;
+}
+
+void CServiceFSM::Report(lyn_state_e state)
+{
+    struct Restore {
+        std::atomic<std::thread::id>& reporter;
+        std::thread::id before;
+        ~Restore() { reporter = before; }
+    };
+    const Restore restore{m_Reporter, m_Reporter.exchange(std::this_thread::get_id())};
     m_StateChangedCb(state);
 }
 
-void CServiceFSM::HandleStartScanOnReady(const EventArgPtr& arg)
+void CServiceFSM::HandleStartScanOnReady(const EventArgPtr& arg, unsigned int moves)
 {
-    CheckArg(arg);
-    const unsigned int transitions = m_Transitions;
+    CheckArg(arg, __func__);
     RunAction(arg);
-    if (m_Transitions != transitions) {
-        return;  // A phone was reported inside the work, and the application has gone on from there.
+    // Not when the machine has been moved meanwhile: by the device, or by an application that a phone was
+    // reported to inside the work.
+    TransitState(LYN_STATE_SCANNING, moves);
+}
+
+void CServiceFSM::HandleStopScanOnScanning(const EventArgPtr& arg, unsigned int /*moves*/)
+{
+    RunAction(arg);
+    TransitState(LYN_STATE_READY);
+}
+
+void CServiceFSM::HandleScanStoppedOnScanning(const EventArgPtr& /*arg*/, unsigned int /*moves*/)
+{
+    TransitState(LYN_STATE_READY);
+}
+
+void CServiceFSM::HandleReqInitiatingOnReady(const EventArgPtr& arg, unsigned int moves)
+{
+    CheckArg(arg, __func__);
+    RunAction(arg);
+    TransitState(LYN_STATE_REQUESTING, moves);
+}
+
+void CServiceFSM::HandleReqInitiatingOnScanning(const EventArgPtr& arg, unsigned int moves)
+{
+    CheckArg(arg, __func__);
+    RunAction(arg);
+    TransitState(LYN_STATE_REQUESTING, moves);
+}
+
+void CServiceFSM::HandleReqInitiatingResultOnRequesting(const EventArgPtr& /*arg*/, unsigned int moves)
+{
+    if (!TransitState(LYN_STATE_READY, moves)) {
+        RefuseEvent();
     }
-    TransitState(LYN_STATE_SCANNING);
 }
 
-void CServiceFSM::HandleStopScanOnScanning(const EventArgPtr& arg)
+void CServiceFSM::HandleStopScanOnReqeusting(const EventArgPtr& arg, unsigned int /*moves*/)
 {
-    RunAction(arg);
-    TransitState(LYN_STATE_READY);
-}
-
-void CServiceFSM::HandleScanStoppedOnScanning(const EventArgPtr& /*arg*/)
-{
-    TransitState(LYN_STATE_READY);
-}
-
-void CServiceFSM::HandleReqInitiatingOnReady(const EventArgPtr& arg)
-{
-    CheckArg(arg);
-    RunAction(arg);
-    TransitState(LYN_STATE_REQUESTING);
-}
-
-void CServiceFSM::HandleReqInitiatingOnScanning(const EventArgPtr& arg)
-{
-    CheckArg(arg);
-    RunAction(arg);
-    TransitState(LYN_STATE_REQUESTING);
-}
-
-void CServiceFSM::HandleReqInitiatingResultOnRequesting(const EventArgPtr& /*arg*/)
-{
-    TransitState(LYN_STATE_READY);
-}
-
-void CServiceFSM::HandleStopScanOnReqeusting(const EventArgPtr& arg)
-{
-    CheckArg(arg);
+    CheckArg(arg, __func__);
     RunAction(arg);
 }
 
-void CServiceFSM::HandleControlAdvertise(const EventArgPtr& arg)
+void CServiceFSM::HandleControlAdvertise(const EventArgPtr& arg, unsigned int /*moves*/)
 {
-    CheckArg(arg);
+    CheckArg(arg, __func__);
     RunAction(arg);
 }
 

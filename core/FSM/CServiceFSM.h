@@ -10,6 +10,9 @@
 //   REQUEST_INITIATING_RESULT    -         -          READY        -
 //   START_, STOP_ADVERTISE       stay      stay       -            -
 //
+// Any thread. An event is looked up without a lock, and its work runs without one. The lock is held to write a
+// state and to report it, so that states are reported in the order in which they come.
+//
 // A result must get through even when memory is short, so neither dispatching an event nor moving the
 // state allocates.
 #pragma once
@@ -17,6 +20,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "FSM/IServiceFSM.h"
@@ -34,57 +38,53 @@ public:
     lyn_error_e Deinit() override;
     void ProcessEvent(LynFsmEvent event, const EventArgPtr& arg) override;
 
+    unsigned int GetMoves() const override { return m_CurrentState.load().moves; }
+    void ProcessEventSince(unsigned int moves, LynFsmEvent event, const EventArgPtr& arg) override;
+    bool IsTooEarly(LynFsmEvent event) const override;
+
     lyn_state_e GetCurrentState() const;
-    /// Moves to a state, the present one included, and reports it. The report comes under the machine's
-    /// lock: the callback must not move the same machine. Throws LynExceptionInternal without a callback.
+    /// Moves to a state, the present one included, and reports it. Other threads that want to move the machine
+    /// wait for the report to end. Throws LynExceptionInternal without a callback.
     void TransitState(lyn_state_e state);
 
-    void HandleStartScanOnReady(const EventArgPtr& arg);
-    void HandleStopScanOnScanning(const EventArgPtr& arg);
-    void HandleScanStoppedOnScanning(const EventArgPtr& arg);
-    void HandleReqInitiatingOnReady(const EventArgPtr& arg);
-    void HandleReqInitiatingOnScanning(const EventArgPtr& arg);
-    void HandleReqInitiatingResultOnRequesting(const EventArgPtr& arg);
-    void HandleStopScanOnReqeusting(const EventArgPtr& arg);
-    void HandleControlAdvertise(const EventArgPtr& arg);
+    // `moves` is how often the machine had moved when the event was looked up.
+    void HandleStartScanOnReady(const EventArgPtr& arg, unsigned int moves);
+    void HandleStopScanOnScanning(const EventArgPtr& arg, unsigned int moves);
+    void HandleScanStoppedOnScanning(const EventArgPtr& arg, unsigned int moves);
+    void HandleReqInitiatingOnReady(const EventArgPtr& arg, unsigned int moves);
+    void HandleReqInitiatingOnScanning(const EventArgPtr& arg, unsigned int moves);
+    void HandleReqInitiatingResultOnRequesting(const EventArgPtr& arg, unsigned int moves);
+    void HandleStopScanOnReqeusting(const EventArgPtr& arg, unsigned int moves);
+    void HandleControlAdvertise(const EventArgPtr& arg, unsigned int moves);
 
 protected:
-    using EventHandler = void (CServiceFSM::*)(const EventArgPtr&);
+    using EventHandler = void (CServiceFSM::*)(const EventArgPtr&, unsigned int moves);
     using EventMap = std::map<LynFsmEvent, EventHandler>;
 
-    /// An event, or a move from outside, of this thread, which may nest them. They come one at a time from
-    /// the look at the state to the writing of the next one, whichever threads they come from, so that no
-    /// work runs in a state that is left meanwhile. The report of a state does not keep other events waiting.
-    class EventScope {
-    public:
-        explicit EventScope(CServiceFSM& fsm);
-        ~EventScope();
-        EventScope(const EventScope&) = delete;
-        EventScope& operator=(const EventScope&) = delete;
-
-        void Release();
-
-    private:
-        CServiceFSM& m_Fsm;
-        bool m_bReleased = false;
+    /// Where the machine is, and how often it had moved to get there.
+    struct alignas(8) Position {  // One word, read and written as a whole.
+        lyn_state_e state = LYN_STATE_READY;
+        unsigned int moves = 0;
     };
+    static_assert(std::atomic<Position>::is_always_lock_free);
 
     bool InitStateMap();
     bool DeinitStateMap();
 
     StateChangedCb m_StateChangedCb;
-    std::atomic<lyn_state_e> m_CurrentState{LYN_STATE_READY};
+    std::atomic<Position> m_CurrentState;
     std::map<lyn_state_e, EventMap> m_StateMap;
     std::mutex m_Mutex;
 
 private:
-    void ReleaseOutermostEvent();
+    Position LookAtState() const;
+    void Dispatch(const Position& position, LynFsmEvent event, const EventArgPtr& arg);
+    /// False, and nothing moved, when the machine has moved since it had made `moves`.
+    bool TransitState(lyn_state_e state, std::optional<unsigned int> moves);
+    void Report(lyn_state_e state);
+    bool IsReporting() const { return m_Reporter.load() == std::this_thread::get_id(); }
 
-    std::recursive_mutex m_EventMutex;
-    std::atomic<std::thread::id> m_EventThread{};  ///< The thread that holds m_EventMutex, which guards the rest.
-    EventScope* m_pOutermostEvent = nullptr;
-    int m_EventDepth = 0;
-    unsigned int m_Transitions = 0;
+    std::atomic<std::thread::id> m_Reporter;  ///< The thread inside the state callback.
 };
 
 }  // namespace lyn

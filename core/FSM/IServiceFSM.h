@@ -23,6 +23,13 @@ public:
     /// Throws LynExceptionInvalidState for an event that the state refuses, and what the work throws; the
     /// state then stays.
     virtual void ProcessEvent(LynFsmEvent event, const EventArgPtr& arg) = 0;
+
+    /// How often the machine has moved.
+    virtual unsigned int GetMoves() const = 0;
+    /// ProcessEvent(), with every event refused when the machine has moved since it had made `moves`.
+    virtual void ProcessEventSince(unsigned int moves, LynFsmEvent event, const EventArgPtr& arg) = 0;
+    /// True for an event that would move the machine while the calling thread reports a state of it.
+    virtual bool IsTooEarly(LynFsmEvent event) const = 0;
 };
 
 }  // namespace lyn

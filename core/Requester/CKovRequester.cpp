@@ -20,7 +20,7 @@ CKovRequester::CKovRequester(RequestResultCb requestResultCb)
 {
 }
 
-std::string CKovRequester::BuildData()
+std::string CKovRequester::BuildData(const Exchange& /*exchange*/)
 {
     CKovExchangeData exchangeData;
     return exchangeData.GetExchangeData("control");

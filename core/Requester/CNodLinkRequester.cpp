@@ -67,15 +67,14 @@ void CNodLinkRequester::DeinitSupportedVersionList()
 bool CNodLinkRequester::RequestInitiating(const std::string& deviceAddress, const std::string& extraData)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    m_NodlinkType = MULTI_VIEW;
     PrintKmsg(__func__, "addres", deviceAddress);
     return CRequester::RequestInitiating(deviceAddress, extraData);
 }
 
-void CNodLinkRequester::NotifyRequestResult(const std::string& result)
+void CNodLinkRequester::NotifyRequestResult(Exchange& exchange, const std::string& result)
 {
     PrintKmsg(__func__, "result", result);
-    CRequester::NotifyRequestResult(result);
+    CRequester::NotifyRequestResult(exchange, result);
 }
 
 void CNodLinkRequester::SetNodLinkVersion(const std::string& version)
@@ -84,94 +83,100 @@ void CNodLinkRequester::SetNodLinkVersion(const std::string& version)
     const auto& supported = m_SupportedVersionList;
     if (std::find(supported.begin(), supported.end(), version) == supported.end()) {
         LYN_LOGE("not supported version, input : %s, supported : \"2.0\", \"3.0\"", version.c_str());
-        // Kept: callers catch the bare text, not an exception of the library's family.
-        thread_local std::string rejected;
-        rejected = version;
-        throw rejected.c_str();
+        throw version.c_str();  // Kept: callers catch the bare text, not an exception of the library's family.
     }
-    const auto lock = LockLiveObjects();
-    m_Version = version;
+    std::string replaced = version;
+    const std::lock_guard lock(m_Mutex);
+    m_Version.swap(replaced);
+}
+
+std::string CNodLinkRequester::GetVersion() const
+{
+    const std::lock_guard lock(m_Mutex);
+    return m_Version;
 }
 
 int CNodLinkRequester::GetNodlinkType()
 {
-    return m_NodlinkType;
+    const auto exchange = Latest();
+    return exchange ? exchange->m_NodlinkType.load() : MULTI_VIEW;
 }
 
-void CNodLinkRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
+void CNodLinkRequester::OnMtuChanged(Exchange& exchange, bt_gatt_client_h /*client*/,
+                                     const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
 {
     try {
-        CNodLinkExchangeData exchangeData(m_Version == "2.0" ? "" : m_Version);
+        const std::string version = GetVersion();
+        CNodLinkExchangeData exchangeData(version == "2.0" ? "" : version);
         const std::string data = exchangeData.GetExchangeData("control");
+        if (!IsLatest(exchange)) {
+            return;
+        }
         PrintKmsg(__func__, "data", data);
-        WriteControlData(data);
+        WriteControlData(exchange, data);
     } catch (const std::exception& e) {
-        LYN_LOGE("exception : %s", e.what());
-        NotifyRequestResult("GattFail");
-        FinishAndDisconnect();
+        Fail(exchange, e);
     }
 }
 
-void CNodLinkRequester::OnCharateristicValueChangedCb(const char* value, int length)
+void CNodLinkRequester::OnCharateristicValueChangedCb(Exchange& exchange, const char* value, int length)
 {
     if (value == nullptr || length < 1) {
         LYN_LOGE("%s", "wrong data");
         return;
     }
     try {
-        HandleAnswer(value);
+        HandleAnswer(exchange, value);
     } catch (const std::exception& e) {
-        LYN_LOGE("exception : %s", e.what());
-        NotifyRequestResult("GattFail");
-        FinishAndDisconnect();
+        Fail(exchange, e);
     }
 }
 
-void CNodLinkRequester::HandleAnswer(const std::string& answer)
+void CNodLinkRequester::HandleAnswer(Exchange& exchange, const std::string& answer)
 {
     const std::optional<Json::Value> message = ParseAnswer(answer);
     if (!message) {
-        HandleResult(answer);
+        HandleResult(exchange, answer);
         return;
     }
     const Json::Value& constMessage = *message;
-    HandleMessage(constMessage["type"].asString(), answer);
+    HandleMessage(exchange, constMessage["type"].asString(), answer);
 }
 
-void CNodLinkRequester::HandleMessage(const std::string& type, const std::string& answer)
+void CNodLinkRequester::HandleMessage(Exchange& exchange, const std::string& type, const std::string& answer)
 {
     if (type != "fgApp") {
-        NotifyRequestResult("CommandErr");
-        FinishAndDisconnect();
+        NotifyRequestResult(exchange, "CommandErr");
+        FinishAndDisconnect(exchange);
         return;
     }
     CNodLinkExchangeData exchangeData(answer);
     const std::string message = exchangeData.GetExchangeData("mirroringType");
-    SetMirroringMode(message);
-    WriteControlData(message);
+    SetMirroringMode(exchange, message);
+    WriteControlData(exchange, message);
 }
 
-void CNodLinkRequester::HandleResult(const std::string& result)
+void CNodLinkRequester::HandleResult(Exchange& exchange, const std::string& result)
 {
-    LYN_LOGI("data : %s", result.c_str());
-    m_bRequestDone = true;
-    NotifyRequestResult(result);
+    LYN_LOG_AS("OnCharateristicValueChangedCb", LOG_INFO, "data : %s", result.c_str());
+    exchange.m_bRequestDone = true;
+    NotifyRequestResult(exchange, result);
     if (result == "Success") {
-        WriteScreenMirroringModeToVconf(m_NodlinkType);
+        WriteScreenMirroringModeToVconf(exchange.m_NodlinkType);
     }
-    FinishAndDisconnect();
+    FinishAndDisconnect(exchange);
 }
 
-void CNodLinkRequester::SetMirroringMode(const std::string& data)
+void CNodLinkRequester::SetMirroringMode(Exchange& exchange, const std::string& data)
 {
     LYN_LOGI("data : %s", data.c_str());
     const Json::Value message = LynUtil::StringToJson(data);
-    if (message["service"].asString() != "screen") {
-        m_NodlinkType = SOUND;
-    } else {
-        m_NodlinkType = message["view"].asString() == "full" ? FULL_VIEW : MULTI_VIEW;
+    int mode = SOUND;
+    if (message["service"].asString() == "screen") {
+        mode = message["view"].asString() == "full" ? FULL_VIEW : MULTI_VIEW;
     }
-    LYN_LOGI("screen mirroring mode : %d", m_NodlinkType.load());
+    exchange.m_NodlinkType = mode;
+    LYN_LOGI("screen mirroring mode : %d", mode);
 }
 
 void CNodLinkRequester::WriteScreenMirroringModeToVconf(int mode)

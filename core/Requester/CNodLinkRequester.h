@@ -5,7 +5,6 @@
 // and waits for the final result. One time-out covers both steps.
 #pragma once
 
-#include <atomic>
 #include <list>
 #include <string>
 
@@ -20,29 +19,29 @@ public:
     ~CNodLinkRequester() override;
 
     bool RequestInitiating(const std::string& deviceAddress, const std::string& extraData) override;
-    /// "2.0" or "3.0". Any other version is thrown as `const char*`, valid until this thread's next such
-    /// throw; the version set before stays.
+    /// "2.0" or "3.0". Any other version is thrown as the `const char*` of `version`; the one set before stays.
     void SetNodLinkVersion(const std::string& version) override;
     /// How the last request is mirrored: 0 multi-view, 1 full view, 2 sound.
     int GetNodlinkType() override;
-    void NotifyRequestResult(const std::string& result) override;
-    void OnCharateristicValueChangedCb(const char* value, int length) override;
-    void OnMtuChanged(bt_gatt_client_h client, const bt_gatt_client_att_mtu_info_s* mtuInfo) override;
+    void NotifyRequestResult(Exchange& exchange, const std::string& result) override;
+    void OnCharateristicValueChangedCb(Exchange& exchange, const char* value, int length) override;
+    void OnMtuChanged(Exchange& exchange, bt_gatt_client_h client,
+                      const bt_gatt_client_att_mtu_info_s* mtuInfo) override;
 
-    void SetMirroringMode(const std::string& data);
+    void SetMirroringMode(Exchange& exchange, const std::string& data);
     void WriteScreenMirroringModeToVconf(int mode);
 
 private:
     void InitSupportedVersionList();
     void DeinitSupportedVersionList();
+    std::string GetVersion() const;
 
-    void HandleAnswer(const std::string& answer);
-    void HandleMessage(const std::string& type, const std::string& answer);
-    void HandleResult(const std::string& result);
+    void HandleAnswer(Exchange& exchange, const std::string& answer);
+    void HandleMessage(Exchange& exchange, const std::string& type, const std::string& answer);
+    void HandleResult(Exchange& exchange, const std::string& result);
 
-    std::string m_Version;
+    std::string m_Version;  ///< Guarded by the requester's lock.
     std::list<std::string> m_SupportedVersionList;
-    std::atomic<int> m_NodlinkType{0};
 };
 
 }  // namespace lyn

@@ -16,11 +16,28 @@ namespace {
 constexpr unsigned int WANTED_MTU = 256;
 constexpr const char* RESULT_GATT_FAIL = "GattFail";
 
+void DeleteClient(CGattClient* client)
+{
+    LYN_LOGI("%s", "in custom deleter of m_GattClient");
+    client->Deinit();
+    delete client;
+}
+
+// Want of memory is a refusal, too: nothing has been begun then.
+bool Connect(CGattClient& client, const std::string& deviceAddress)
+{
+    try {
+        return client.Connect(deviceAddress);
+    } catch (const std::bad_alloc& e) {
+        LYN_LOGE("exception : %s", e.what());
+        return false;
+    }
+}
+
 }  // namespace
 
 CRequester::CRequester(RequestResultCb requestResultCb, std::string serviceUuid, std::string characteristicUuid)
     : m_RequestResultCallback(std::move(requestResultCb)),
-      m_GattFailDelivery(MakeDelivery(RESULT_GATT_FAIL)),
       m_ServiceUuid(std::move(serviceUuid)),
       m_CharacteristicUuid(std::move(characteristicUuid))
 {
@@ -28,117 +45,162 @@ CRequester::CRequester(RequestResultCb requestResultCb, std::string serviceUuid,
 
 CRequester::~CRequester() = default;
 
-void CRequester::GattClientDeleter::operator()(CGattClient* client) const
+// ---- Which exchange ----------------------------------------------------------------------------------
+
+std::shared_ptr<Exchange> CRequester::BeginExchange(const std::string& extraData)
 {
-    LYN_LOGI("%s", "in custom deleter of m_GattClient");
-    client->Deinit();
-    delete client;
+    const auto exchange =
+        std::make_shared<Exchange>(std::static_pointer_cast<CRequester>(weak_from_this().lock()), extraData);
+    std::shared_ptr<Exchange> replaced = exchange;
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (m_bRetired) {
+            return nullptr;
+        }
+        m_Exchange.swap(replaced);
+    }
+    return exchange;
 }
+
+std::shared_ptr<Exchange> CRequester::Latest() const
+{
+    const std::lock_guard lock(m_Mutex);
+    return m_Exchange;
+}
+
+bool CRequester::IsLatest(const Exchange& exchange) const
+{
+    const std::lock_guard lock(m_Mutex);
+    return !m_bRetired && m_Exchange.get() == &exchange;
+}
+
+void CRequester::Retire()
+{
+    const std::lock_guard lock(m_Mutex);
+    m_bRetired = true;
+}
+
+// ---- Its beginning -----------------------------------------------------------------------------------
 
 bool CRequester::RequestInitiating(const std::string& deviceAddress, const std::string& extraData)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const auto lock = LockLiveObjects();
     LYN_LOGI("device address : %s, extra data : %s", deviceAddress.c_str(), extraData.c_str());
-    m_ExtraData = extraData;
-    // What an exchange that never came to its result may have left behind.
-    m_bRequestDone = false;
-    m_NotifyResultFunc = nullptr;
-    DisarmTimeout();
-    m_GattClient.reset(new CGattClient);
-    m_GattClient->Init(
-        [this](int result, bool connected, const std::string& address) {
-            OnConnectionStateChanged(result, connected, address);
-        },
-        [this](const char* value, int length) { OnCharateristicValueChangedCb(value, length); }, InitUuidMap());
-
+    const auto exchange = BeginExchange(extraData);
+    if (!exchange) {
+        return false;
+    }
+    auto client = MakeClient(*exchange);  // The main loop may release the exchange's before Connect() returns.
     LynUtil::SetBtPerformanceBoost(true);
-    if (Connect(deviceAddress)) {
+    if (Connect(*client, deviceAddress)) {
         return true;
     }
     LynUtil::SetBtPerformanceBoost(false);
     LYN_LOGE("Fail to connect gatt %s", deviceAddress.c_str());
-    m_GattClient.reset();
+    exchange->m_GattClient.reset();
+    client.reset();
     return false;
 }
 
-// Want of memory is a refusal, too: nothing has been begun then.
-bool CRequester::Connect(const std::string& deviceAddress)
+std::shared_ptr<CGattClient> CRequester::MakeClient(Exchange& exchange) const
 {
-    try {
-        return m_GattClient->Connect(deviceAddress);
-    } catch (const std::bad_alloc& e) {
-        LYN_LOGE("exception : %s", e.what());
-        return false;
-    }
+    exchange.m_GattClient = std::shared_ptr<CGattClient>(new CGattClient, DeleteClient);
+    exchange.m_GattClient->Init(
+        [number = exchange.Number()](int result, bool connected, const std::string& address) {
+            Exchange::Step(number, [&](CRequester& self, Exchange& own) {
+                self.OnConnectionStateChanged(own, result, connected, address);
+            });
+        },
+        [number = exchange.Number()](const char* value, int length) {
+            Exchange::Step(number, [&](CRequester& self, Exchange& own) {
+                self.OnCharateristicValueChangedCb(own, value, length);
+            });
+        },
+        InitUuidMap());
+    return exchange.m_GattClient;
 }
 
-void CRequester::SetNodLinkVersion(const std::string& /*version*/)
+GattUuidMap CRequester::InitUuidMap() const
 {
-    LogAndThrow<LynExceptionNotSupported>("Not supported api for this service");
+    return {{m_ServiceUuid, {m_CharacteristicUuid}}};
 }
 
-int CRequester::GetNodlinkType()
-{
-    LogAndThrow<LynExceptionNotSupported>("Not supported api for this service");
-}
+// ---- Its steps ---------------------------------------------------------------------------------------
 
-void CRequester::OnConnectionStateChanged(int result, bool connected, const std::string& address)
+void CRequester::OnConnectionStateChanged(Exchange& exchange, int result, bool connected,
+                                          const std::string& address)
 {
     if (connected) {
-        OnGattConnected(result, address);
+        OnGattConnected(exchange, result, address);
     } else {
-        OnGattDisConnected(result, address);
+        OnGattDisConnected(exchange, result, address);
     }
 }
 
-void CRequester::OnGattConnected(int result, const std::string& /*address*/)
+void CRequester::OnGattConnected(Exchange& exchange, int result, const std::string& /*address*/)
 {
     if (result != PLATFORM_OK) {
         LYN_LOGE("%s", "connection fail");
-        NotifyRequestResult(RESULT_GATT_FAIL);
-        m_GattClient.reset();
+        NotifyRequestResult(exchange, RESULT_GATT_FAIL);
+        exchange.m_GattClient.reset();
         return;
     }
-    m_bRequestDone = false;
-    const bool requested = m_GattClient->RequestSetMtu(
-        WANTED_MTU,
-        [this](void* client, const bt_gatt_client_att_mtu_info_s* mtuInfo) { OnMtuChanged(client, mtuInfo); });
+    exchange.m_bRequestDone = false;
+    const bool requested = exchange.m_GattClient->RequestSetMtu(
+        WANTED_MTU, [number = exchange.Number()](void* client, const bt_gatt_client_att_mtu_info_s* info) {
+            Exchange::Step(number, [&](CRequester& self, Exchange& own) { self.OnMtuChanged(own, client, info); });
+        });
     if (!requested) {
         LYN_LOGE("%s", "fail to request set mtu as 256.");
     }
-    ArmTimeout();  // Also after a failed request, which then ends by the time-out.
+    exchange.ArmTimeout(m_TimeoutSec);  // Also after a failed request, which then ends by the time-out.
 }
 
-void CRequester::OnMtuChanged(bt_gatt_client_h /*client*/, const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
+void CRequester::OnMtuChanged(Exchange& exchange, bt_gatt_client_h /*client*/,
+                              const bt_gatt_client_att_mtu_info_s* /*mtuInfo*/)
 {
     try {
-        WriteControlData(BuildData());
+        WriteControlData(exchange, BuildData(exchange));
     } catch (const std::exception& e) {
-        LYN_LOGE("exception : %s", e.what());
-        NotifyRequestResult(RESULT_GATT_FAIL);
-        FinishAndDisconnect();
+        Fail(exchange, e);
     }
 }
 
-void CRequester::WriteControlData(const std::string& data)
+std::string CRequester::BuildData(const Exchange& /*exchange*/)
 {
-    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    m_GattClient->WriteData(m_ServiceUuid, m_CharacteristicUuid, data,
-                            [this](int result) { OnWriteComplete(result); });
+    CExchangeData exchangeData;
+    return exchangeData.GetExchangeData("control");
 }
 
-void CRequester::OnWriteComplete(int result)
+std::string CRequester::GetExtraData(const Exchange& exchange) const
+{
+    LYN_LOGI("extra data : %s", exchange.m_ExtraData.c_str());
+    return exchange.m_ExtraData;
+}
+
+void CRequester::WriteControlData(Exchange& exchange, const std::string& data)
+{
+    const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    if (!exchange.m_GattClient || !IsLatest(exchange)) {  // It may have been ended while the data was built.
+        return;
+    }
+    exchange.m_GattClient->WriteData(
+        m_ServiceUuid, m_CharacteristicUuid, data, [number = exchange.Number()](int result) {
+            Exchange::Step(number, [&](CRequester& self, Exchange& own) { self.OnWriteComplete(own, result); });
+        });
+}
+
+void CRequester::OnWriteComplete(Exchange& exchange, int result)
 {
     LYN_LOGI("result : %d", result);
     if (result == PLATFORM_OK) {
         return;
     }
-    FinishAndDisconnect();
-    NotifyRequestResult(RESULT_GATT_FAIL);
+    FinishAndDisconnect(exchange);
+    NotifyRequestResult(exchange, RESULT_GATT_FAIL);
 }
 
-void CRequester::OnCharateristicValueChangedCb(const char* value, int length)
+void CRequester::OnCharateristicValueChangedCb(Exchange& exchange, const char* value, int length)
 {
     if (value == nullptr || length < 1) {
         LYN_LOGE("%s", "wrong data");
@@ -146,27 +208,18 @@ void CRequester::OnCharateristicValueChangedCb(const char* value, int length)
     }
     LYN_LOGI("data : %s", value);
     const std::string answer = value;  // The value may go with the client.
-    FinishAndDisconnect();
-    NotifyRequestResult(answer);
+    FinishAndDisconnect(exchange);
+    NotifyRequestResult(exchange, answer);
 }
 
-void CRequester::DisconnectGattForcelyByTimeout()
+void CRequester::DisconnectGattForcelyByTimeout(Exchange& exchange)
 {
     LYN_LOGE("%s", "Gatt is connected but no response from peer device");
-    m_TimeoutSourceId = 0;
-    NotifyRequestResult(RESULT_GATT_FAIL);
-    FinishAndDisconnect();
+    NotifyRequestResult(exchange, RESULT_GATT_FAIL);
+    FinishAndDisconnect(exchange);
 }
 
-void CRequester::FinishAndDisconnect()
-{
-    m_bRequestDone = true;
-    if (m_GattClient) {
-        m_GattClient->Disconnect();
-    }
-}
-
-void CRequester::OnGattDisConnected(int result, const std::string& address)
+void CRequester::OnGattDisConnected(Exchange& exchange, int result, const std::string& address)
 {
     if (result != PLATFORM_OK && result != BT_ERROR_HCI_DISCONNECTION) {
         LYN_LOGE("%s", "disconnection fail");
@@ -176,92 +229,109 @@ void CRequester::OnGattDisConnected(int result, const std::string& address)
         LYN_LOGE("%s", "HCI_disconnection_complted, prompt 133 error");
     }
     LYN_LOGI("disconnected gatt [%s]", address.c_str());
-    if (!m_bRequestDone) {
+    if (!exchange.m_bRequestDone) {
         LYN_LOGE("%s", "GATT disconnected before requesting is done");
-        NotifyRequestResult(RESULT_GATT_FAIL);
+        NotifyRequestResult(exchange, RESULT_GATT_FAIL);
     }
-    m_bRequestDone = false;
-    m_GattClient.reset();  // From inside the client's own callback, which touches nothing afterwards.
+    exchange.m_bRequestDone = false;
+    exchange.m_GattClient.reset();
 }
 
-void CRequester::NotifyRequestResult(const std::string& result)
+// ---- Its end -----------------------------------------------------------------------------------------
+
+void CRequester::FinishAndDisconnect(Exchange& exchange)
 {
-    const auto lock = LockLiveObjects();
+    exchange.m_bRequestDone = true;
+    if (exchange.m_GattClient) {
+        exchange.m_GattClient->Disconnect();
+    }
+}
+
+void CRequester::Fail(Exchange& exchange, const std::exception& why, const char* function)
+{
+    if (!IsLatest(exchange)) {
+        return;
+    }
+    LYN_LOG_AS(function, LOG_ERROR, "exception : %s", why.what());
+    NotifyRequestResult(exchange, RESULT_GATT_FAIL);
+    FinishAndDisconnect(exchange);
+}
+
+void CRequester::NotifyRequestResult(Exchange& exchange, const std::string& result)
+{
     LynUtil::SetBtPerformanceBoost(false);
-    DisarmTimeout();
+    exchange.DisarmTimeout();
     if (!m_RequestResultCallback) {
         LYN_LOGE("%s", "m_RequestResultCallback is NULL");
         return;
     }
+    std::string text = RESULT_GATT_FAIL;  // Short enough to need no memory.
     try {
-        m_NotifyResultFunc = MakeDelivery(result);
+        text = result;
     } catch (const std::bad_alloc& e) {
         LYN_LOGE("exception : %s", e.what());
-        m_NotifyResultFunc = m_GattFailDelivery;
     }
-    g_idle_add(DeliverResult, m_Live.UserData());
-}
-
-// Holds nothing of this requester: the application may destroy it from inside the callback.
-CRequester::Delivery CRequester::MakeDelivery(const std::string& result) const
-{
-    return std::make_shared<const std::function<void()>>(
-        [callback = m_RequestResultCallback, result] { callback(result); });
+    {
+        const std::lock_guard lock(m_Mutex);
+        exchange.m_Result.swap(text);
+    }
+    g_idle_add(DeliverResult, exchange.UserData());
 }
 
 gboolean CRequester::DeliverResult(gpointer userData)
 {
-    Delivery delivery;
-    CallLocked<CRequester>(userData, [&](CRequester& requester) { delivery = requester.m_NotifyResultFunc; });
-    if (delivery) {
-        RunGuarded(*delivery);
-    }
-    return G_SOURCE_REMOVE;
-}
-
-void CRequester::ArmTimeout()
-{
-    DisarmTimeout();
-    m_TimeoutSourceId = g_timeout_add_seconds(m_TimeoutSec, OnTimeout, m_Live.UserData());
-}
-
-void CRequester::DisarmTimeout()
-{
-    if (m_TimeoutSourceId > 0) {
-        g_source_remove(m_TimeoutSourceId);
-        m_TimeoutSourceId = 0;
-    }
-}
-
-gboolean CRequester::OnTimeout(gpointer userData)
-{
-    if (userData == nullptr) {
-        LYN_LOGE("%s", "data is nullptr");
-        return G_SOURCE_REMOVE;
-    }
-    CallLocked<CRequester>(userData, [](CRequester& requester) {
-        if (requester.m_TimeoutSourceId > 0) {  // Else disarmed by another thread at the last moment.
-            requester.DisconnectGattForcelyByTimeout();
-        }
+    CallLive<Exchange>(userData, [](Exchange& exchange) {
+        Exchange::Step(exchange.Number(), [](CRequester& self, Exchange& own) { self.Deliver(own); });
     });
     return G_SOURCE_REMOVE;
 }
 
-std::string CRequester::BuildData()
+void CRequester::Deliver(Exchange& exchange)
 {
-    CExchangeData exchangeData;
-    return exchangeData.GetExchangeData("control");
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (!exchange.m_bCallEnded) {
+            exchange.m_bResultWaits = true;
+            return;
+        }
+        m_pDelivered = &exchange;
+    }
+    m_RequestResultCallback(exchange.m_Result);
 }
 
-std::string CRequester::GetExtraData() const
+bool CRequester::IsResultOfLatest() const
 {
-    LYN_LOGI("extra data : %s", m_ExtraData.c_str());
-    return m_ExtraData;
+    const std::lock_guard lock(m_Mutex);
+    return !m_bRetired && m_pDelivered == m_Exchange.get();
 }
 
-GattUuidMap CRequester::InitUuidMap() const
+void CRequester::EndRequestCall()
 {
-    return {{m_ServiceUuid, {m_CharacteristicUuid}}};
+    const auto exchange = Latest();
+    if (!exchange) {
+        return;
+    }
+    bool waits = false;
+    {
+        const std::lock_guard lock(m_Mutex);
+        exchange->m_bCallEnded = true;
+        waits = std::exchange(exchange->m_bResultWaits, false);
+    }
+    if (waits) {
+        g_idle_add(DeliverResult, exchange->UserData());
+    }
+}
+
+// ---- NodLink's ---------------------------------------------------------------------------------------
+
+void CRequester::SetNodLinkVersion(const std::string& /*version*/)
+{
+    LogAndThrow<LynExceptionNotSupported>("Not supported api for this service");
+}
+
+int CRequester::GetNodlinkType()
+{
+    LogAndThrow<LynExceptionNotSupported>("Not supported api for this service");
 }
 
 }  // namespace lyn

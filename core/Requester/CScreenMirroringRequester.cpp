@@ -20,10 +20,10 @@ CScreenMirroringRequester::CScreenMirroringRequester(RequestResultCb requestResu
 {
 }
 
-std::string CScreenMirroringRequester::BuildData()
+std::string CScreenMirroringRequester::BuildData(const Exchange& exchange)
 {
     CScreenMirroringExchangeData exchangeData;
-    exchangeData.SetExtraData(GetExtraData());
+    exchangeData.SetExtraData(GetExtraData(exchange));
     return exchangeData.GetExchangeData("control");
 }
 

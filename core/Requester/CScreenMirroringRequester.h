@@ -12,7 +12,7 @@ public:
     CScreenMirroringRequester();
     explicit CScreenMirroringRequester(RequestResultCb requestResultCb);
 
-    std::string BuildData() override;
+    std::string BuildData(const Exchange& exchange) override;
 };
 
 }  // namespace lyn

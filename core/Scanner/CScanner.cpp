@@ -5,12 +5,23 @@
 
 #include "Common/LynException.h"
 #include "Common/PlatformCodes.h"
-#include "Common/PlatformText.h"
+#include "Common/PlatformSlot.h"
 #include "Common/Util.h"
 #include "lyn_platform/settings.h"
 #include "lyn_service_log.h"
 
 namespace lyn {
+namespace {
+
+// The platform's scan. Starts and stops wait for each other, also for those of an earlier service. Never
+// destroyed: the service that lives at process exit still needs it.
+PlatformSlot& Scan()
+{
+    static auto* const slot = new PlatformSlot;
+    return *slot;
+}
+
+}  // namespace
 
 CScanner::CScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb, std::string advTriggerKey)
     : m_DeviceFoundCallback(std::move(deviceFoundCb)),
@@ -156,11 +167,17 @@ void CScanner::Drop(const Rejection& rejection, const char* function)
 
 bool CScanner::StartPlatformScan(const char* function)
 {
+    if (Scan().IsLost(m_Live.Number())) {
+        return true;  // A later service has the scan; this one is destroyed.
+    }
     LynUtil::SetBtPerformanceBoost(true);
-    const int result = bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData());
+    const auto result = Scan().Use(
+        m_Live.Number(), [this] { return bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData()); });
     if (result != PLATFORM_OK) {
         LynUtil::SetBtPerformanceBoost(false);
-        LYN_LOGE_AS(function, "bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(result));
+    }
+    if (result.value_or(PLATFORM_OK) != PLATFORM_OK) {
+        LYN_LOGE_AS(function, "bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(*result));
         return false;
     }
     return true;
@@ -168,10 +185,14 @@ bool CScanner::StartPlatformScan(const char* function)
 
 bool CScanner::StopPlatformScan(const char* function)
 {
+    if (Scan().IsLost(m_Live.Number())) {
+        return true;  // The boost is the later service's, too.
+    }
     LynUtil::SetBtPerformanceBoost(false);
-    const int result = bt_adapter_le_stop_scan();
-    if (result != PLATFORM_OK && result != BT_ERROR_NO_SCAN_RUNNING) {
-        LYN_LOGE_AS(function, "bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(result));
+    const auto result = Scan().Use(m_Live.Number(), [] { return bt_adapter_le_stop_scan(); });
+    const int code = result.value_or(PLATFORM_OK);
+    if (code != PLATFORM_OK && code != BT_ERROR_NO_SCAN_RUNNING) {
+        LYN_LOGE_AS(function, "bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(code));
         return false;
     }
     return true;
@@ -183,7 +204,7 @@ void CScanner::ScanResultTrampoline(int result, bt_adapter_le_device_scan_result
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallShared<CScanner>(userData, [&](CScanner& scanner) { scanner.OnLeScanResult(result, info); });
+    CallLive<CScanner>(userData, [&](CScanner& scanner) { scanner.OnLeScanResult(result, info); });
 }
 
 }  // namespace lyn

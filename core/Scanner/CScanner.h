@@ -22,6 +22,7 @@ public:
     CScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb scanStateChangedCb, std::string advTriggerKey);
     /// Does not stop a scan or an advertisement.
     ~CScanner() override;
+    std::shared_ptr<void> Keep() { return weak_from_this().lock(); }
 
     bool StartScan() override;
     bool StopScan() override;
@@ -75,7 +76,7 @@ private:
     ScanStateChangedCb m_ScanStateChangedCallback;
     std::string m_AdvTriggerKey;
     std::atomic<bool> m_bAdvertising{false};
-    LiveObject<CScanner> m_Live{this};
+    LiveObject<CScanner> m_Live{*this};
 };
 
 }  // namespace lyn

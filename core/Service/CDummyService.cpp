@@ -38,10 +38,13 @@ class CDummyRequester : public CRequester {
 public:
     explicit CDummyRequester(RequestResultCb requestResultCb) : CRequester(std::move(requestResultCb), "", "") {}
 
-    bool RequestInitiating(const std::string& /*deviceAddress*/, const std::string& /*extraData*/) override
+    bool RequestInitiating(const std::string& /*deviceAddress*/, const std::string& extraData) override
     {
-        NotifyRequestResult("Success");
-        return true;
+        const auto exchange = BeginExchange(extraData);
+        if (exchange) {
+            NotifyRequestResult(*exchange, "Success");
+        }
+        return exchange != nullptr;
     }
 };
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Service/CService.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Common/Failure.h"
-#include "Common/LiveObject.h"
 #include "Common/Util.h"
 #include "FSM/CServiceFSM.h"
 #include "lyn_platform/bluetooth.h"
@@ -18,12 +18,29 @@ void DeleteScanner(IScanner* scanner)
     delete scanner;
 }
 
+void DeleteRequester(IRequester* requester)
+{
+    LYN_LOGD("%s", "in custom deleter of IRequester");
+    delete requester;
+}
+
 void DeleteFsm(IServiceFSM* fsm)
 {
     LYN_LOGD("%s", "in custom deleter of IServiceFSM");
     fsm->Deinit();
     delete fsm;
 }
+
+// However the call ends, its result waits no longer.
+struct RequestCallEnd {
+    IRequester* requester;
+    ~RequestCallEnd()
+    {
+        if (requester != nullptr) {
+            requester->EndRequestCall();
+        }
+    }
+};
 
 template <typename Action>
 EventArgPtr MakeArg(Action action)
@@ -33,32 +50,47 @@ EventArgPtr MakeArg(Action action)
 
 }  // namespace
 
-// A requester may be at work on the main loop: the lock lets it finish its step, and then it is gone.
-void CService::RequesterDeleter::operator()(IRequester* requester) const
-{
-    const auto lock = LockLiveObjects();
-    LYN_LOGD("%s", "in custom deleter of IRequester");
-    delete requester;
-}
+class CService::Keeper {
+public:
+    explicit Keeper(const Self& self)
+        : m_pService(self.isOpen ? self.service.lock() : nullptr),
+          m_pOuter(s_pInnermost)
+    {
+        s_pInnermost = this;
+    }
+    ~Keeper() { s_pInnermost = m_pOuter; }
+    Keeper(const Keeper&) = delete;
+    Keeper& operator=(const Keeper&) = delete;
+
+    CService* Get() const { return m_pService.get(); }
+
+    /// Lets go of a service that a report of this thread keeps. Its members are out of bounds from here on.
+    static void Release(const CService* service)
+    {
+        if (s_pInnermost != nullptr && s_pInnermost->Get() == service) {
+            s_pInnermost->m_pService.reset();
+        }
+    }
+
+private:
+    static inline thread_local Keeper* s_pInnermost = nullptr;
+
+    std::shared_ptr<CService> m_pService;
+    Keeper* const m_pOuter;
+};
 
 CService::CService(std::string serviceName, StateChangedCb stateChangeCb)
     : m_ServiceName(std::move(serviceName)),
-      m_pReports(std::make_shared<CServiceReports>(std::move(stateChangeCb)))
+      m_StateChangeCb(std::move(stateChangeCb))
 {
     InitResultMap();
 }
 
 CService::~CService()
 {
-    auto fsm = m_pReports->Close();
     m_pScanner.reset();
     m_pRequester.reset();
-    fsm.reset();
-}
-
-void CService::InitResultMap()
-{
-    m_ResultMap = std::make_shared<const RequestResultMap>(BuildRequestResultMap());
+    m_pFsm.reset();
 }
 
 void* CService::GetHandle()
@@ -70,6 +102,8 @@ std::string CService::GetServiceName()
 {
     return m_ServiceName;
 }
+
+// ---- Its parts ---------------------------------------------------------------------------------------
 
 lyn_error_e CService::Init()
 {
@@ -88,16 +122,30 @@ lyn_error_e CService::DeinitVariant()
     return CService::Deinit();
 }
 
+void CService::Open()
+{
+    m_pSelf->service = std::static_pointer_cast<CService>(shared_from_this());
+    m_pSelf->isOpen = true;
+}
+
+void CService::Retire()
+{
+    m_pSelf->isRetired = true;
+    if (m_pRequester) {
+        m_pRequester->Retire();
+    }
+}
+
 lyn_error_e CService::SetFsm(IServiceFSM* pFsm)
 {
     if (pFsm == nullptr) {
         LogAndThrow<LynExceptionInternal>("pFsm is NULL");
     }
-    const std::shared_ptr<IServiceFSM> fsm(pFsm, DeleteFsm);
-    m_pReports->SetFsm(fsm);
-    return fsm->Init([weak = std::weak_ptr(m_pReports)](lyn_state_e state) {
-        if (const auto reports = weak.lock()) {
-            reports->ReportState(state);
+    m_pFsm = std::shared_ptr<IServiceFSM>(pFsm, DeleteFsm);
+    return m_pFsm->Init([self = m_pSelf](lyn_state_e state) {
+        const Keeper keeper(*self);
+        if (auto* const service = keeper.Get()) {
+            service->OnStateChanged(state);
         }
     });
 }
@@ -107,7 +155,7 @@ void CService::SetRequester(IRequester* pRequester)
     if (pRequester == nullptr) {
         LogAndThrow<LynExceptionInternal>("pRequester is NULL");
     }
-    m_pRequester.reset(pRequester);
+    m_pRequester = std::shared_ptr<IRequester>(pRequester, DeleteRequester);
 }
 
 void CService::SetScanner(IScanner* pScanner)
@@ -118,14 +166,62 @@ void CService::SetScanner(IScanner* pScanner)
     m_pScanner = std::shared_ptr<IScanner>(pScanner, DeleteScanner);
 }
 
+DeviceFoundCb CService::DeviceFoundReport() const
+{
+    return [self = m_pSelf](const lyn_device_info_t& info) {
+        const Keeper keeper(*self);
+        if (auto* const service = keeper.Get()) {
+            service->OnDeviceFound(info);
+        }
+    };
+}
+
+RequestResultCb CService::RequestResultReport() const
+{
+    return [self = m_pSelf](const std::string& text) {
+        const Keeper keeper(*self);
+        if (auto* const service = keeper.Get()) {
+            service->OnRequestResult(service->ConvertResultToErrCode(text));
+        }
+    };
+}
+
+ScanStateChangedCb CService::ScanStateReport() const
+{
+    return [self = m_pSelf](ScanState state) {
+        const Keeper keeper(*self);
+        if (auto* const service = keeper.Get()) {
+            service->OnScanStateChangedCallback(state);
+        }
+    };
+}
+
+// ---- Operations --------------------------------------------------------------------------------------
+
+std::shared_ptr<IServiceFSM> CService::GetFsm() const
+{
+    constexpr const char* operation = "ProcessEvent";
+    if (m_pSelf->isRetired) {
+        LogAndThrow<LynExceptionInvalidState>("Invalid State", __FILE__, operation);
+    }
+    if (!m_pFsm) {
+        LogAndThrow<LynExceptionInternal>("m_pFsm is NULL", __FILE__, operation);
+    }
+    return m_pFsm;
+}
+
 void CService::ProcessEvent(LynFsmEvent event, EventArgPtr arg)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const auto fsm = m_pReports->GetFsm();
-    if (!fsm) {
-        LogAndThrow<LynExceptionInternal>("m_pFsm is NULL");
+    GetFsm()->ProcessEvent(event, arg);
+}
+
+std::unique_lock<std::recursive_mutex> CService::TakeTurn(LynFsmEvent event)
+{
+    if (m_pFsm && m_pFsm->IsTooEarly(event)) {
+        throw LynExceptionInvalidState("Invalid State: the state callback has not returned, use g_idle_add()");
     }
-    fsm->ProcessEvent(event, arg);
+    return std::unique_lock(m_TurnMutex);
 }
 
 void CService::StartScan(const DeviceFoundCb& cb)
@@ -134,13 +230,15 @@ void CService::StartScan(const DeviceFoundCb& cb)
     if (!cb) {
         LogAndThrow<LynExceptionInvalidParam>("DeviceFoundCb is NULL");
     }
-    m_pReports->SetDeviceFoundCb(cb);
+    const auto turn = TakeTurn(LYN_FSM_EVENT_START_SCAN);
+    Store(m_DeviceFoundCb, cb);
     ProcessEvent(LYN_FSM_EVENT_START_SCAN, MakeArg([this] { OnStartScan(); }));
 }
 
 void CService::StopScan()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
+    const auto turn = TakeTurn(LYN_FSM_EVENT_STOP_SCAN);
     ProcessEvent(LYN_FSM_EVENT_STOP_SCAN, MakeArg([this] { OnStopScan(); }));
 }
 
@@ -153,8 +251,9 @@ void CService::RequestInitiating(const RequestInitiatingResultCb& cb, const std:
     if (!cb) {
         LogAndThrow<LynExceptionInvalidParam>("RequestInitiatingResultCb is NULL");
     }
-    const CServiceReports::RequestCall call(m_pReports);
-    m_pReports->SetRequestResultCb(cb);
+    const auto turn = TakeTurn(LYN_FSM_EVENT_REQUEST_INITIATING);
+    const RequestCallEnd end{m_pRequester.get()};
+    Store(m_RequestResultCb, cb);
     StopAdvertisementAndScan();
     ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING,
                  MakeArg([this, deviceId, extraData] { OnRequestInitiating(deviceId, extraData); }));
@@ -167,7 +266,7 @@ void CService::StopAdvertisementAndScan()
         ProcessEvent(LYN_FSM_EVENT_STOP_ADVERTISE, MakeArg([this] { OnStopAdvertisement(); }));
         ProcessEvent(LYN_FSM_EVENT_STOP_SCAN, MakeArg([this] { OnStopScan(); }));
     } catch (const std::exception&) {
-        LYN_LOGE("%s, Already stoppted", LynUtil::GetCurTime().c_str());
+        LYN_LOG_AS("RequestInitiating", LOG_ERROR, "%s, Already stoppted", LynUtil::GetCurTime().c_str());
     }
 }
 
@@ -202,15 +301,7 @@ int CService::GetNodlinkType()
     return m_pRequester->GetNodlinkType();
 }
 
-std::string CService::GetRequestIntiatingErrorString(lyn_request_initiating_result_e result)
-{
-    return ToResultText(*m_ResultMap, result);
-}
-
-lyn_request_initiating_result_e CService::ConvertResultToErrCode(const std::string& text)
-{
-    return ToRequestResult(*m_ResultMap, text);
-}
+// ---- The work of the events --------------------------------------------------------------------------
 
 IScanner& CService::GetScanner() const
 {
@@ -220,17 +311,25 @@ IScanner& CService::GetScanner() const
     return *m_pScanner;
 }
 
+void CService::FailOperation(const char* text, const char* function) const
+{
+    if (m_pSelf->isRetired) {
+        LogAndThrow<LynExceptionInvalidState>("Invalid State", __FILE__, function);
+    }
+    LogAndThrow<LynExceptionOperationFailed>(text, __FILE__, function);
+}
+
 void CService::OnStartScan()
 {
     if (!GetScanner().StartScan()) {
-        LogAndThrow<LynExceptionOperationFailed>("fail to start scan");
+        FailOperation("fail to start scan");
     }
 }
 
 void CService::OnStopScan()
 {
     if (!GetScanner().StopScan()) {
-        LogAndThrow<LynExceptionOperationFailed>("fail to stop scan");
+        FailOperation("fail to stop scan");
     }
 }
 
@@ -239,13 +338,8 @@ void CService::OnRequestInitiating(const std::string& deviceId, const std::strin
     if (!m_pRequester) {
         LogAndThrow<LynExceptionInternal>("m_pRequester is NULL");
     }
-    // A request of a destroyed service would take the slot for links from the one that has come after it.
-    const auto lock = LockLiveObjects();
-    if (m_bRetired) {
-        LogAndThrow<LynExceptionInvalidState>("Invalid State");
-    }
     if (!m_pRequester->RequestInitiating(deviceId, extraData)) {
-        LogAndThrow<LynExceptionOperationFailed>("fail to RequestInitiating");
+        FailOperation("fail to RequestInitiating");
     }
 }
 
@@ -259,29 +353,49 @@ void CService::OnStopAdvertisement()
     GetScanner().StopAdvertisement();
 }
 
-void CService::OnDeviceFound(const lyn_device_info_t& info)
+// ---- Reports of the parts ----------------------------------------------------------------------------
+
+template <typename Cb>
+void CService::Store(Cb& member, Cb cb)
 {
-    const auto reports = m_pReports;
-    reports->ReportDeviceFound(info);
+    const std::lock_guard lock(m_CallbackMutex);
+    member.swap(cb);
 }
 
-void CService::StopReports()
+template <typename Cb>
+Cb CService::Stored(const Cb& member) const
 {
-    const auto lock = LockLiveObjects();
-    m_bRetired = true;
-    m_pReports->Stop();
+    const std::lock_guard lock(m_CallbackMutex);
+    return member;
 }
 
 void CService::OnStateChanged(lyn_state_e state)
 {
-    const auto reports = m_pReports;
-    reports->ReportState(state);
+    if (m_pSelf->isRetired) {
+        return;
+    }
+    LYN_LOGI("state : %d", state);
+    const StateChangedCb callback = m_StateChangeCb;
+    if (!callback) {
+        LYN_LOGE("%s", "m_StateChangeCb is null");
+        return;
+    }
+    Keeper::Release(this);
+    callback(state);
 }
 
-void CService::OnRequestResult(lyn_request_initiating_result_e result)
+void CService::OnDeviceFound(const lyn_device_info_t& info)
 {
-    const auto reports = m_pReports;
-    reports->ReportRequestResult(result);
+    if (m_pSelf->isRetired) {
+        return;
+    }
+    const DeviceFoundCb callback = Stored(m_DeviceFoundCb);
+    if (!callback) {
+        LYN_LOGE("%s", "m_DeviceFoundCb is NULL");
+        return;
+    }
+    Keeper::Release(this);
+    callback(info);
 }
 
 void CService::OnScanStateChangedCallback(ScanState state)
@@ -296,21 +410,74 @@ void CService::OnScanStateChangedCallback(ScanState state)
     }
 }
 
-DeviceFoundCb CService::DeviceFoundReport() const
+void CService::OnRequestResult(lyn_request_initiating_result_e result)
 {
-    return [reports = m_pReports](const lyn_device_info_t& info) { reports->ReportDeviceFound(info); };
+    if (m_pSelf->isRetired) {
+        return;
+    }
+    // Before the machine is READY: the next request brings its own.
+    const RequestInitiatingResultCb callback = Stored(m_RequestResultCb);
+    const auto self = m_pSelf;
+    try {
+        const auto fsm = GetFsm();
+        const unsigned int moves = fsm->GetMoves();
+        if (m_pRequester && !m_pRequester->IsResultOfLatest()) {
+            return;
+        }
+        Keeper::Release(this);
+        fsm->ProcessEventSince(moves, LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, nullptr);  // It has no work.
+    } catch (const std::exception& e) {
+        LYN_LOGE("exception : %s", e.what());
+        return;
+    }
+    if (self->isRetired) {
+        return;  // By the state callback.
+    }
+    if (!callback) {
+        LYN_LOGE("%s", "m_RequestResultCb is NULL");
+        return;
+    }
+    callback(result);
 }
 
-RequestResultCb CService::RequestResultReport() const
+// ---- Names of results --------------------------------------------------------------------------------
+
+void CService::InitResultMap()
 {
-    return [reports = m_pReports, results = m_ResultMap](const std::string& text) {
-        reports->ReportRequestResult(ToRequestResult(*results, text));
+    m_ResultMap = {
+        {"Success", LYN_REQUEST_INITIATING_RESULT_SUCCESS},
+        {"GattFail", LYN_REQUEST_INITIATING_RESULT_GATT_FAIL},
+        {"NotRegisteredDevice", LYN_REQUEST_INITIATING_RESULT_NOT_REGISTERED_DEVICE},
+        {"UnknownErr", LYN_REQUEST_INITIATING_RESULT_UNKNOWN_ERR},
+        {"CommandErr", LYN_REQUEST_INITIATING_RESULT_COMMAND_ERR},
+        {"NotSupported", LYN_REQUEST_INITIATING_RESULT_NOT_SUPPORTED},
+        {"Connected", LYN_REQUEST_INITIATING_RESULT_CONNECTED},
+        {"NotTap", LYN_REQUEST_INITIATING_RESULT_NOT_TAP},
+        {"NotStartedKov", LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_KOV},
+        {"NotStartedMirroring", LYN_REQUEST_INITIATING_RESULT_NOT_STARTED_MIRRORING},
+        {"GattDisconnected", LYN_REQUEST_INITIATING_RESULT_GATT_DISCONNECTED},
     };
 }
 
-ScanStateChangedCb CService::ScanStateReport()
+lyn_request_initiating_result_e CService::ConvertResultToErrCode(const std::string& text)
 {
-    return [this](ScanState state) { OnScanStateChangedCallback(state); };
+    const auto found = m_ResultMap.find(text);
+    if (found == m_ResultMap.end()) {
+        LYN_LOGE("%s", "Not defined error code. Return Unknown.");
+        return LYN_REQUEST_INITIATING_RESULT_UNKNOWN_ERR;
+    }
+    LYN_LOGI("result : %s", text.c_str());
+    return found->second;
+}
+
+std::string CService::GetRequestIntiatingErrorString(lyn_request_initiating_result_e result)
+{
+    const auto found = std::find_if(m_ResultMap.begin(), m_ResultMap.end(),
+                                    [&](const auto& entry) { return entry.second == result; });
+    if (found == m_ResultMap.end()) {
+        LogAndThrow<LynExceptionInvalidParam>("Not mached errorCode");
+    }
+    return found->first;
 }
 
 }  // namespace lyn

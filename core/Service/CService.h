@@ -1,22 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What all services share. A public operation packs its work into an event for the state machine, which
-// runs it on the calling thread or refuses it. Reports of the parts go through CServiceReports.
+// runs it on the calling thread or refuses it. Reports of the parts find the service by its token, and keep it
+// while they are delivered.
 //
 // Unusable until Init() of the variant has installed scanner, requester and state machine. Operations may
-// be called from any thread.
+// be called from any thread; StartScan(), StopScan() and RequestInitiating() take turns.
 #pragma once
 
+#include <atomic>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "FSM/IServiceFSM.h"
 #include "Requester/CRequester.h"
 #include "Scanner/IScanner.h"
 #include "Service/BtProduct.h"
-#include "Service/CServiceReports.h"
 #include "Service/IService.h"
-#include "Service/RequestResults.h"
 
 namespace lyn {
 
@@ -44,7 +46,8 @@ public:
     void OnRequestResult(lyn_request_initiating_result_e result) override;
     void OnDeviceFound(const lyn_device_info_t& info) override;
     int GetNodlinkType() override;
-    void StopReports() override;
+    void Open() override;
+    void Retire() override;
 
     // Each takes ownership, and throws LynExceptionInternal for null.
     lyn_error_e SetFsm(IServiceFSM* pFsm);
@@ -60,6 +63,7 @@ public:
 
     /// Only SCAN_STATE_STOPPED matters. Nothing is thrown.
     void OnScanStateChangedCallback(ScanState state);
+    /// LYN_REQUEST_INITIATING_RESULT_UNKNOWN_ERR for a text that is no name of a result.
     lyn_request_initiating_result_e ConvertResultToErrCode(const std::string& text);
 
 protected:
@@ -83,25 +87,47 @@ protected:
     lyn_error_e DeinitVariant();
 
 private:
-    // What the parts report to; the first two live on by themselves when the service is gone.
-    DeviceFoundCb DeviceFoundReport() const;
-    RequestResultCb RequestResultReport() const;
-    ScanStateChangedCb ScanStateReport();
-
-    struct RequesterDeleter {
-        void operator()(IRequester* requester) const;
+    /// The service as its parts know it, which may be there when the service is gone.
+    struct Self {
+        std::atomic<bool> isOpen{false};
+        std::atomic<bool> isRetired{false};
+        std::weak_ptr<CService> service;  ///< Set before isOpen.
     };
 
-    void InitResultMap();
-    IScanner& GetScanner() const;
-    void StopAdvertisementAndScan();
+    /// Keeps the service during a report of its parts, up to the call of the application, which may destroy it:
+    /// that takes effect at once.
+    class Keeper;
 
-    std::string m_ServiceName;
-    std::shared_ptr<CServiceReports> m_pReports;
+    // What the parts report to. Nothing happens when the service is gone.
+    DeviceFoundCb DeviceFoundReport() const;
+    RequestResultCb RequestResultReport() const;
+    ScanStateChangedCb ScanStateReport() const;
+
+    void InitResultMap();
+    std::shared_ptr<IServiceFSM> GetFsm() const;
+    IScanner& GetScanner() const;
+    /// Keeps the others of the three operations out. Throws LynExceptionInvalidState for one that would move the
+    /// machine from inside its own report.
+    std::unique_lock<std::recursive_mutex> TakeTurn(LynFsmEvent event);
+    void StopAdvertisementAndScan();
+    [[noreturn]] void FailOperation(const char* text, const char* function = __builtin_FUNCTION()) const;
+    template <typename Cb>
+    void Store(Cb& member, Cb cb);
+    template <typename Cb>
+    Cb Stored(const Cb& member) const;
+
+    const std::string m_ServiceName;
+    const StateChangedCb m_StateChangeCb;
     std::shared_ptr<IScanner> m_pScanner;
-    std::unique_ptr<IRequester, RequesterDeleter> m_pRequester;
-    std::shared_ptr<const RequestResultMap> m_ResultMap;
-    bool m_bRetired = false;  ///< Guarded by the lock on live objects.
+    std::shared_ptr<IRequester> m_pRequester;
+    std::shared_ptr<IServiceFSM> m_pFsm;
+    std::map<std::string, lyn_request_initiating_result_e> m_ResultMap;
+    const std::shared_ptr<Self> m_pSelf = std::make_shared<Self>();
+    std::recursive_mutex m_TurnMutex;  ///< An application may stop or request inside a scan's start ("dummy").
+
+    mutable std::mutex m_CallbackMutex;  ///< Guards these two.
+    DeviceFoundCb m_DeviceFoundCb;
+    RequestInitiatingResultCb m_RequestResultCb;
 };
 
 }  // namespace lyn

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "FSM/LynFsmEvent.h"
@@ -14,7 +15,7 @@ namespace lyn {
 
 using RequestInitiatingResultCb = std::function<void(lyn_request_initiating_result_e)>;
 
-class IService {
+class IService : public std::enable_shared_from_this<IService> {
 public:
     IService() = default;
     virtual ~IService() = default;
@@ -40,9 +41,11 @@ public:
     virtual void OnDeviceFound(const lyn_device_info_t& info) = 0;
     virtual int GetNodlinkType() = 0;
 
-    /// The application has destroyed the service: no report reaches it any more, and no further event is
-    /// taken. A call in progress may still hold the object.
-    virtual void StopReports() = 0;
+    /// The service is held by its shared pointer: from now on its parts' reports reach it, on whatever thread.
+    virtual void Open() = 0;
+    /// The application has destroyed the service: nothing is reported to it any more, and every further event is
+    /// refused. A call in progress may still hold the object.
+    virtual void Retire() = 0;
 };
 
 }  // namespace lyn

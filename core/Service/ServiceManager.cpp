@@ -19,6 +19,19 @@ void DeleteService(IService* service)
     delete service;
 }
 
+std::shared_ptr<IService> Build(const std::string& name, const StateChangedCb& cb)
+{
+    constexpr const char* operation = "CreateService";
+    LYN_LOG_AS(operation, LOG_INFO, "create new sevice for %s", name.c_str());
+    CServiceBuilder builder;
+    std::shared_ptr<IService> service(builder.BuildService(name, cb), DeleteService);
+    if (!service) {
+        LogAndThrow<LynExceptionInternal>("fail to alloc service", __FILE__, operation);
+    }
+    service->Open();
+    return service;
+}
+
 void CheckHandle(lyn_service_h handle, const char* function = __builtin_FUNCTION(), int line = __builtin_LINE())
 {
     if (handle == nullptr) {
@@ -33,7 +46,9 @@ CServiceManager::CServiceManager() = default;
 // An object that is destroyed after this one may still call: it finds no service.
 CServiceManager::~CServiceManager()
 {
-    m_pService.reset();
+    if (const auto service = std::exchange(m_pService, nullptr)) {
+        service->Retire();
+    }
 }
 
 CServiceManager& CServiceManager::GetInstance()
@@ -46,41 +61,70 @@ CServiceManager& CServiceManager::GetInstance()
 void* CServiceManager::CreateService(const std::string& name, const StateChangedCb& cb)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const std::lock_guard lock(m_Mutex);
-    if (m_pService) {
+    if (!Reserve()) {
         LYN_LOGE("%s", "already service is running");
         throw LynExceptionAlreadyDone("Already Done exception");
     }
-    LYN_LOGI("create new sevice for %s", name.c_str());
-    CServiceBuilder builder;
-    m_pService = std::shared_ptr<IService>(builder.BuildService(name, cb), DeleteService);
-    if (!m_pService) {
-        LogAndThrow<LynExceptionInternal>("fail to alloc service");
+    std::shared_ptr<IService> service;
+    try {
+        service = Build(name, cb);
+    } catch (...) {
+        Occupy(nullptr);
+        throw;
     }
-    return m_pService->GetHandle();
+    Occupy(service);
+    return service->GetHandle();
+}
+
+bool CServiceManager::Reserve()
+{
+    const std::lock_guard lock(m_Mutex);
+    if (m_pService || m_bCreating) {
+        return false;
+    }
+    m_bCreating = true;
+    return true;
+}
+
+void CServiceManager::Occupy(const std::shared_ptr<IService>& service)
+{
+    const std::lock_guard lock(m_Mutex);
+    m_pService = service;
+    m_bCreating = false;
 }
 
 void CServiceManager::DestroyService(lyn_service_h handle)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const std::lock_guard lock(m_Mutex);
     CheckHandle(handle);
-    if (handle != m_pService.get()) {
+    const std::shared_ptr<IService> service = Take(handle);
+    if (!service) {
         throw LynExceptionInvalidHandle("not mached service");
     }
-    m_pService->StopReports();
-    m_pService.reset();
+    service->Retire();
+}
+
+std::shared_ptr<IService> CServiceManager::Take(lyn_service_h handle)
+{
+    const std::lock_guard lock(m_Mutex);
+    return handle == m_pService.get() ? std::exchange(m_pService, nullptr) : nullptr;
+}
+
+std::shared_ptr<IService> CServiceManager::Find(lyn_service_h handle)
+{
+    const std::lock_guard lock(m_Mutex);
+    return handle == m_pService.get() ? m_pService : nullptr;
 }
 
 std::shared_ptr<IService> CServiceManager::_GetService(lyn_service_h handle)
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const std::lock_guard lock(m_Mutex);
-    if (handle == nullptr || handle != m_pService.get()) {
+    std::shared_ptr<IService> service = Find(handle);
+    if (!service) {
         LYN_LOGW("%s", "no service");
         throw LynExceptionInvalidParam();
     }
-    return m_pService;
+    return service;
 }
 
 void CServiceManager::StartScan(lyn_service_h handle, const DeviceFoundCb& cb)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The process-wide owner of the one live service. It checks every handle that comes in and forwards the
-// operation. Any thread: the lock covers creating, destroying and looking up; a forwarded call runs
-// without it and keeps the service alive until it ends.
+// operation. Any thread: the lock is held to look the service up, to put it there and to take it away. Building,
+// releasing and forwarded calls run without it; a forwarded call keeps the service alive until it ends.
 //
 // Operations throw the exceptions of Common/LynException.h, and what the service throws.
 #pragma once
@@ -41,7 +41,14 @@ private:
 
     std::shared_ptr<IService> _GetService(lyn_service_h handle);  // NOLINT(bugprone-reserved-identifier)
 
+    /// False when there is a service, or one is being created.
+    bool Reserve();
+    void Occupy(const std::shared_ptr<IService>& service);
+    std::shared_ptr<IService> Take(lyn_service_h handle);
+    std::shared_ptr<IService> Find(lyn_service_h handle);
+
     std::shared_ptr<IService> m_pService;
+    bool m_bCreating = false;
     std::recursive_mutex m_Mutex;
 };
 

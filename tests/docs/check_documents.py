@@ -107,8 +107,8 @@ def rows_of_the_interface(root):
         yield rf"^\| {value} \| `{name}` \|"
     for name, value in re.findall(r"\bLYN_REQUEST_INITIATING_RESULT_(\w+) = (\d+)", header):
         yield rf"^\| {value} \| [^|]+ \| `{name}` \|"
-    results = (root / "core/Service/RequestResults.cpp").read_text(encoding="utf-8")
-    for answer, name in re.findall(r'\{"(\w+)", LYN_REQUEST_INITIATING_RESULT_(\w+)\}', results):
+    service = (root / "core/Service/CService.cpp").read_text(encoding="utf-8")
+    for answer, name in re.findall(r'\{"(\w+)", LYN_REQUEST_INITIATING_RESULT_(\w+)\}', service):
         yield rf"^\| \d+ \| `{answer}` \| `{name}` \|"
 
 

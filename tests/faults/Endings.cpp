@@ -57,7 +57,7 @@ bool IsGoodLine(const Line& clean, const Line& told, bool hasGattFail)
     if (told.said == clean.said) {
         return true;
     }
-    if (clean.said == "2 READY") {  // Destroyed inside the READY of its request, which has come or not.
+    if (clean.said == "3 READY") {  // Destroyed inside the READY of its request, which has come or not.
         return IsIn(told.said, {"bad_alloc READY", "0 REQUESTING"});
     }
     if (told.step == "request") {

@@ -41,6 +41,7 @@ protected:
         simulator::SetAdapterState(adapter, false);
         simulator::SetPowerState(power);
         checker->Init(KeepReports());
+        checker->Start();
         simulator::ClearJournal();
         simulator::ClearLog();
     }

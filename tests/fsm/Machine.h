@@ -70,7 +70,7 @@ protected:
         return std::make_shared<EventArg>([this] { ++worked; });
     }
 
-    lyn_state_e State() const { return machine->m_CurrentState.load(); }
+    lyn_state_e State() const { return machine->m_CurrentState.load().state; }
 
     std::shared_ptr<OpenMachine> machine;
     States reports;

@@ -185,6 +185,7 @@ TEST_F(DeviceReports, WithoutUserDataAreLoggedAndDropped)
 TEST_F(DeviceReports, WithoutACallbackLeaveTheFlagAsItIs)
 {
     checker->Init(nullptr);
+    checker->Start();
     ASSERT_TRUE(checker->IsEnableState());
     simulator::ClearLog();
     SetBluetooth(BT_ADAPTER_DISABLED);
@@ -195,9 +196,61 @@ TEST_F(DeviceReports, WithoutACallbackLeaveTheFlagAsItIs)
     EXPECT_FALSE(HasLogWith(INFO, "enabled :"));
 }
 
+TEST_F(DeviceReports, BeforeTheOwnerIsReadyAreMadeByTheMainLoopAfterwards)
+{
+    checker->Init(KeepReports());
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_DISABLED);
+    simulator::Settle();
+    EXPECT_TRUE(reports.empty());
+    EXPECT_TRUE(checker->IsEnableState()) << "as it was read";
+    checker->Start();
+    EXPECT_TRUE(reports.empty()) << "the owner is still at its beginning";
+    simulator::Settle();
+    EXPECT_EQ(reports, std::vector({false}));
+    EXPECT_FALSE(checker->IsEnableState());
+    SetBluetooth(BT_ADAPTER_ENABLED);
+    EXPECT_EQ(reports, std::vector({false, true})) << "and from then on as they come";
+}
+
+TEST_F(DeviceReports, BeforeTheMainLoopHasMadeTheFirstAreMadeByIt)
+{
+    checker->Init(KeepReports());
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_DISABLED);
+    checker->Start();
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_ENABLED);
+    checker->OnAmbientPowerOffEvent();
+    EXPECT_TRUE(reports.empty());
+    simulator::Settle();
+    EXPECT_EQ(reports, std::vector({false})) << "the last of them counts";
+}
+
+TEST_F(DeviceReports, BeforeTheOwnerIsReadyThatTakeEachOtherBackChangeNothing)
+{
+    checker->Init(KeepReports());
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_DISABLED);
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_ENABLED);
+    checker->Start();
+    simulator::Settle();
+    EXPECT_TRUE(reports.empty());
+    EXPECT_TRUE(checker->IsEnableState());
+    EXPECT_EQ(Messages(ERROR), Texts({"same enabled state"}));
+}
+
+TEST_F(DeviceReports, BeforeTheOwnerIsReadyGoWithTheChecker)
+{
+    checker->Init(KeepReports());
+    checker->OnBluetoothAdapterStateChanged(BT_ADAPTER_DISABLED);
+    checker->Start();
+    checker.reset();
+    simulator::Settle();
+    EXPECT_TRUE(reports.empty());
+    EXPECT_TRUE(Messages(ERROR).empty());
+}
+
 TEST_F(DeviceReports, OfTheSameStateAreSaidBeforeTheMissingCallback)
 {
     checker->Init(nullptr);
+    checker->Start();
     SetBluetooth(BT_ADAPTER_ENABLED);
     EXPECT_EQ(Messages(ERROR), Texts({"same enabled state"}));
 }
@@ -206,6 +259,7 @@ TEST_F(DeviceReports, AreMadeWithTheFlagAlreadySet)
 {
     std::vector<bool> flags;
     checker->Init([&](bool) { flags.push_back(checker->IsEnableState()); });
+    checker->Start();
     AmbientPowerOff();
     SetBluetooth(BT_ADAPTER_ENABLED);
     EXPECT_EQ(flags, std::vector({false, true}));
@@ -214,6 +268,7 @@ TEST_F(DeviceReports, AreMadeWithTheFlagAlreadySet)
 TEST_F(DeviceReports, EndWhatIsThrownByTheirReceiver)
 {
     checker->Init([](bool) { throw std::runtime_error("the application has failed"); });
+    checker->Start();
     const device_power_off_info_s info = {kSuspend};
     const auto adapter = simulator::AdapterRegistration();
     const auto powerOff = simulator::PowerOffRegistration();

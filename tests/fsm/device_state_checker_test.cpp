@@ -154,6 +154,7 @@ TEST_F(DeviceStateChecker, LeavesTheRegistrationsToTheOneThatCameAfterIt)
     const auto next = MakeChecker();
     std::vector<bool> nextReports;
     next->Init([&](bool enabled) { nextReports.push_back(enabled); });
+    next->Start();
     simulator::ClearJournal();
     checker.reset();
     EXPECT_TRUE(simulator::JournalText().empty());
@@ -161,6 +162,44 @@ TEST_F(DeviceStateChecker, LeavesTheRegistrationsToTheOneThatCameAfterIt)
     simulator::Settle();
     EXPECT_EQ(nextReports, std::vector({false}));
     EXPECT_TRUE(reports.empty());
+}
+
+TEST_F(DeviceStateChecker, TakesTheRegistrationsOverFromTheOneThatCameBefore)
+{
+    Begin(BT_ADAPTER_ENABLED, 0);
+    void* const before = simulator::AdapterRegistration().userData;
+    auto next = MakeChecker();
+    next->Init(KeepReports());
+    Texts calls = simulator::JournalText();
+    ASSERT_GE(calls.size(), kRegistrations.size());
+    calls.erase(calls.begin(), calls.end() - static_cast<std::ptrdiff_t>(kRegistrations.size()));
+    EXPECT_EQ(calls, kRegistrations);
+    EXPECT_NE(simulator::AdapterRegistration().userData, before);
+    EXPECT_EQ(simulator::AdapterRegistration().userData, simulator::PowerOffRegistration().userData);
+    EXPECT_EQ(simulator::AdapterRegistration().userData, simulator::AmbientPowerOffRegistration().userData);
+
+    checker.reset();
+    simulator::ClearJournal();
+    next.reset();
+    EXPECT_EQ(simulator::JournalText(), kUnregistrations);
+    EXPECT_EQ(simulator::Alive().registrations, 0);
+}
+
+TEST_F(DeviceStateChecker, RegistersOnceForTwoInits)
+{
+    checker->Init(KeepReports());
+    simulator::ClearJournal();
+    checker->Init(KeepReports());
+    EXPECT_EQ(simulator::JournalText(), Texts({"device_power_get_state()", "bt_adapter_get_state(-> 1)"}));
+    EXPECT_EQ(simulator::Alive().registrations, 3);
+}
+
+TEST_F(DeviceStateChecker, UnregistersOnceForTwoDeinits)
+{
+    Begin(BT_ADAPTER_ENABLED, 0);
+    checker->Deinit();
+    checker->Deinit();
+    EXPECT_EQ(simulator::JournalText(), kUnregistrations);
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The state machine of "nodlink": the plain one, moved by the device as well.
+#include <thread>
+
 #include "Common/LynException.h"
 #include "FSM/CNodLinkServiceFSM.h"
 #include "fsm/Machine.h"
+#include "support/InsideCall.h"
 #include "support/LogOrder.h"
 #include "support/Thrown.h"
 
@@ -42,7 +45,7 @@ protected:
         simulator::Settle();
     }
 
-    lyn_state_e State() const { return machine->m_CurrentState.load(); }
+    lyn_state_e State() const { return machine->m_CurrentState.load().state; }
 
     std::shared_ptr<OpenNodLinkMachine> machine;
     States reports;
@@ -178,6 +181,46 @@ TEST_F(NodLinkStateMachine, StaysReadyAfterAStoppedScanWhenTheDeviceIsDisabledAg
     simulator::Settle();
     EXPECT_EQ(State(), LYN_STATE_READY);
     EXPECT_TRUE(HasLog(ERROR, "same enabled state"));
+}
+
+// On a thread of the platform, as soon as the callbacks are registered.
+TEST_F(NodLinkStateMachine, HearsOfAReportThatComesDuringItsInitFromTheMainLoop)
+{
+    InsideCall("bt_adapter_set_state_changed_cb", [] {
+        const auto registration = simulator::AmbientPowerOffRegistration();
+        std::thread([&] { registration.callback(nullptr, registration.userData); }).join();
+    });
+    EXPECT_EQ(Init(), LYN_ERROR_NONE);
+    EXPECT_EQ(State(), LYN_STATE_READY);
+    EXPECT_TRUE(reports.empty());
+    simulator::Settle();
+    EXPECT_EQ(State(), LYN_STATE_NOT_READY);
+    EXPECT_EQ(reports, States({LYN_STATE_NOT_READY}));
+}
+
+TEST_F(NodLinkStateMachine, FailsItsInitWhenBluetoothGoesOffMeanwhile)
+{
+    InsideCall("bt_adapter_set_state_changed_cb", [] {
+        const auto registration = simulator::AdapterRegistration();
+        std::thread([&] { registration.callback(0, BT_ADAPTER_DISABLED, registration.userData); }).join();
+    });
+    EXPECT_EQ(ThrownBy<LynExceptionInternal>([&] { Init(); }), "m_StateChangedCb is nullptr");
+    machine.reset();
+    simulator::Settle();
+    EXPECT_TRUE(reports.empty());
+    EXPECT_EQ(simulator::Alive().registrations, 0);
+}
+
+TEST_F(NodLinkStateMachine, LetsTheDeviceOvertakeTheWorkOfAScan)
+{
+    Init();
+    machine->ProcessEvent(LYN_FSM_EVENT_START_SCAN, std::make_shared<EventArg>([this] {
+                              ++worked;
+                              machine->OnDeviceEnableStateChaned(false);
+                          }));
+    EXPECT_EQ(worked, 1);
+    EXPECT_EQ(State(), LYN_STATE_NOT_READY);
+    EXPECT_EQ(reports, States({LYN_STATE_NOT_READY})) << "it does not scan";
 }
 
 TEST_F(NodLinkStateMachine, DropsAReportOfTheDeviceAfterItsDeinit)

@@ -115,6 +115,81 @@ TEST_F(StateMachine, IsNotTakenToScanningWhenTheWorkOfAScanHasAlreadyMovedIt)
     EXPECT_EQ(reports, States({LYN_STATE_REQUESTING, LYN_STATE_READY}));
 }
 
+TEST_F(StateMachine, IsNotTakenToRequestingWhenTheWorkOfARequestHasAlreadyMovedIt)
+{
+    machine->Init(KeepReports());
+    for (const lyn_state_e from : {LYN_STATE_READY, LYN_STATE_SCANNING}) {
+        SCOPED_TRACE(from);
+        Enter(from);
+        const auto move = [&] { machine->TransitState(LYN_STATE_NOT_READY); };
+        EXPECT_NO_THROW(machine->ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING, std::make_shared<EventArg>(move)));
+        EXPECT_EQ(reports, States({LYN_STATE_NOT_READY}));
+        EXPECT_EQ(Messages(WARN), Texts({CurrentLine(from), TransitLine(LYN_STATE_NOT_READY, from)}));
+    }
+}
+
+TEST_F(StateMachine, IsNotMovedByWorkDuringWhichItHasGoneAndComeBack)
+{
+    machine->Init(KeepReports());
+    const auto move = [&] {
+        machine->TransitState(LYN_STATE_NOT_READY);
+        machine->TransitState(LYN_STATE_READY);
+    };
+    machine->ProcessEvent(LYN_FSM_EVENT_START_SCAN, std::make_shared<EventArg>(move));
+    EXPECT_EQ(reports, States({LYN_STATE_NOT_READY, LYN_STATE_READY}));
+    EXPECT_EQ(State(), LYN_STATE_READY);
+}
+
+TEST_F(StateMachine, CountsItsMoves)
+{
+    const unsigned int before = machine->GetMoves();
+    machine->Init(KeepReports());
+    EXPECT_EQ(machine->GetMoves(), before);
+    machine->TransitState(LYN_STATE_READY);
+    EXPECT_EQ(machine->GetMoves(), before + 1) << "to the same state, too";
+    machine->ProcessEvent(LYN_FSM_EVENT_START_SCAN, Work());
+    EXPECT_EQ(machine->GetMoves(), before + 2);
+    machine->ProcessEvent(LYN_FSM_EVENT_START_ADVERTISE, Work());
+    EXPECT_THROW(machine->ProcessEvent(LYN_FSM_EVENT_START_SCAN, Work()), LynExceptionInvalidState);
+    EXPECT_EQ(machine->GetMoves(), before + 2);
+}
+
+TEST_F(StateMachine, TakesAnEventSinceItsLastMoveAsAnyOther)
+{
+    machine->Init(KeepReports());
+    Enter(LYN_STATE_REQUESTING);
+    machine->ProcessEventSince(machine->GetMoves(), LYN_FSM_EVENT_REQUEST_INITIATING_RESULT, nullptr);
+    EXPECT_EQ(reports, States({LYN_STATE_READY}));
+    EXPECT_EQ(Messages(WARN),
+              Texts({CurrentLine(LYN_STATE_REQUESTING), TransitLine(LYN_STATE_READY, LYN_STATE_REQUESTING)}));
+    machine->ProcessEventSince(machine->GetMoves(), LYN_FSM_EVENT_START_SCAN, Work());
+    EXPECT_EQ(reports, States({LYN_STATE_READY, LYN_STATE_SCANNING}));
+    EXPECT_EQ(worked, 1);
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidState>(
+                  [&] { machine->ProcessEventSince(machine->GetMoves(), LYN_FSM_EVENT_START_SCAN, Work()); }),
+              "Invalid State");
+}
+
+TEST_F(StateMachine, RefusesEveryEventSinceAnEarlierMove)
+{
+    machine->Init(KeepReports());
+    for (const lyn_state_e state : kStates) {
+        const unsigned int moves = machine->GetMoves();
+        Enter(state);
+        for (const LynFsmEvent event : kEvents) {
+            SCOPED_TRACE("event " + std::to_string(event) + " in state " + std::to_string(state));
+            simulator::ClearLog();
+            EXPECT_EQ(
+                ThrownBy<LynExceptionInvalidState>([&] { machine->ProcessEventSince(moves, event, Work()); }),
+                "Invalid State");
+            EXPECT_EQ(Messages(ERROR), Texts({"Invalid State"}));
+        }
+        EXPECT_EQ(State(), state);
+    }
+    EXPECT_EQ(worked, 0);
+    EXPECT_TRUE(reports.empty());
+}
+
 TEST_F(StateMachine, RefusesEveryEventAfterItsDeinitAndKeepsItsState)
 {
     for (const lyn_state_e state : kStates) {

@@ -245,7 +245,7 @@ TEST_F(StateTable, IsNotAskedAgainWhileTheWorkChangesIt)
 TEST_F(StateTable, HasHandlersThatActByThemselves)
 {
     struct Handler {
-        void (CServiceFSM::*handle)(const EventArgPtr&);
+        void (CServiceFSM::*handle)(const EventArgPtr&, unsigned int moves);
         Cell cell;
     };
     const Handler handlers[] = {{&CServiceFSM::HandleStartScanOnReady, kStartScan},
@@ -261,10 +261,48 @@ TEST_F(StateTable, HasHandlersThatActByThemselves)
         SCOPED_TRACE("handler " + std::to_string(index++));
         Enter(LYN_STATE_NOT_READY);
         worked = 0;
-        ((*machine).*handler.handle)(Work());
+        ((*machine).*handler.handle)(Work(), machine->GetMoves());
         EXPECT_EQ(worked, handler.cell.works ? 1 : 0);
         EXPECT_EQ(State(), handler.cell.leadsTo.value_or(LYN_STATE_NOT_READY));
         EXPECT_EQ(reports.size(), handler.cell.leadsTo ? 1U : 0U);
+    }
+}
+
+TEST_F(StateTable, HasHandlersOfBeginningsThatDoTheirWorkButDoNotMoveAMachineThatHasMoved)
+{
+    for (const auto handle : {&CServiceFSM::HandleStartScanOnReady, &CServiceFSM::HandleReqInitiatingOnReady,
+                              &CServiceFSM::HandleReqInitiatingOnScanning}) {
+        const unsigned int moves = machine->GetMoves();
+        Enter(LYN_STATE_NOT_READY);
+        worked = 0;
+        EXPECT_NO_THROW(((*machine).*handle)(Work(), moves));
+        EXPECT_EQ(worked, 1);
+        EXPECT_EQ(State(), LYN_STATE_NOT_READY);
+        EXPECT_TRUE(reports.empty());
+        EXPECT_TRUE(LogLines().empty());
+    }
+}
+
+TEST_F(StateTable, HasAHandlerOfResultsThatRefusesOneOfAMachineThatHasMoved)
+{
+    const unsigned int moves = machine->GetMoves();
+    Enter(LYN_STATE_REQUESTING);
+    EXPECT_EQ(ThrownBy<LynExceptionInvalidState>(
+                  [&] { machine->HandleReqInitiatingResultOnRequesting(nullptr, moves); }),
+              "Invalid State");
+    EXPECT_EQ(Messages(ERROR), Texts({"Invalid State"}));
+    EXPECT_EQ(State(), LYN_STATE_REQUESTING);
+    EXPECT_TRUE(reports.empty());
+}
+
+TEST_F(StateTable, HasHandlersOfEndsThatMoveTheMachineWhereverItIs)
+{
+    for (const auto handle : {&CServiceFSM::HandleStopScanOnScanning, &CServiceFSM::HandleScanStoppedOnScanning}) {
+        const unsigned int moves = machine->GetMoves();
+        Enter(LYN_STATE_NOT_READY);
+        ((*machine).*handle)(Work(), moves);
+        EXPECT_EQ(State(), LYN_STATE_READY);
+        EXPECT_EQ(reports, States({LYN_STATE_READY}));
     }
 }
 

@@ -53,10 +53,12 @@ bt_gatt_h PlatformClient::Characteristic(const char* serviceUuid, const char* uu
     return characteristic;
 }
 
-void ClientTest::Deleter::operator()(CGattClient* client) const
+ClientTest::ClientPtr ClientTest::MakeBareClient()
 {
-    client->Deinit();
-    delete client;
+    return {new CGattClient, [](CGattClient* client) {
+                client->Deinit();
+                delete client;
+            }};
 }
 
 ClientTest::ClientPtr ClientTest::MakeClient()
@@ -66,7 +68,7 @@ ClientTest::ClientPtr ClientTest::MakeClient()
 
 ClientTest::ClientPtr ClientTest::MakeClient(const GattUuidMap& uuidMap)
 {
-    ClientPtr client(new CGattClient);
+    ClientPtr client = MakeBareClient();
     EXPECT_TRUE(client->Init(
         [this](int result, bool connected, const std::string& address) {
             reports.push_back((connected ? "connected " : "disconnected ") + std::to_string(result) + " " +

@@ -29,6 +29,8 @@ protected:
     GattTest();
 
     simulator::Phone phone;
+    /// What keeps a characteristic or a service while a callback runs.
+    std::shared_ptr<int> keeper = std::make_shared<int>();
 };
 
 /// A platform client of the connected phone, without the library's own.
@@ -46,11 +48,10 @@ protected:
 /// What a client reports, as "connected 0 AA:..", "disconnected 0 AA:..", "value text" in its order.
 class ClientTest : public GattTest {
 protected:
-    struct Deleter {
-        void operator()(CGattClient* client) const;
-    };
-    using ClientPtr = std::unique_ptr<CGattClient, Deleter>;
+    using ClientPtr = std::shared_ptr<CGattClient>;
 
+    /// A client held as its owner holds it, without services and callbacks.
+    static ClientPtr MakeBareClient();
     /// A client with both services that keeps its reports in `reports`.
     ClientPtr MakeClient();
     ClientPtr MakeClient(const GattUuidMap& uuidMap);

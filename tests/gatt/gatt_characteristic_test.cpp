@@ -30,7 +30,7 @@ protected:
 
 TEST_F(GattCharacteristic, LooksItselfUpAndAsksForNotifications)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     const bt_gatt_h service = Service(kServiceA);
     EXPECT_TRUE(characteristic.Init(service, KeepValues()));
     EXPECT_EQ(simulator::JournalText(),
@@ -43,7 +43,7 @@ TEST_F(GattCharacteristic, LooksItselfUpAndAsksForNotifications)
 
 TEST_F(GattCharacteristic, CannotBeSetUpWithoutAService)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     simulator::ClearJournal();
     EXPECT_FALSE(characteristic.Init(nullptr, KeepValues()));
     EXPECT_EQ(Messages(ERROR), Texts{"service handle is nullptr"});
@@ -52,7 +52,7 @@ TEST_F(GattCharacteristic, CannotBeSetUpWithoutAService)
 
 TEST_F(GattCharacteristic, CannotBeSetUpWhenThePhoneLacksIt)
 {
-    CGattCharacteristic characteristic(kUnknown);
+    CGattCharacteristic characteristic(kUnknown, keeper);
     const bt_gatt_h service = Service(kServiceA);
     EXPECT_FALSE(characteristic.Init(service, KeepValues()));
     EXPECT_EQ(Messages(ERROR), Texts{"Failt to get chr handle"});
@@ -63,7 +63,7 @@ TEST_F(GattCharacteristic, CannotBeSetUpWhenThePhoneLacksIt)
 
 TEST_F(GattCharacteristic, ForgetsItsCallbackWhenNotificationsAreRefused)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     simulator::FailCall("bt_gatt_client_set_characteristic_value_changed_cb", -1);
     EXPECT_FALSE(characteristic.Init(Service(kServiceA), KeepValues()));
     EXPECT_EQ(Messages(ERROR), Texts{"fail to bt_gatt_client_set_characteristic_value_changed_cb"});
@@ -75,7 +75,7 @@ TEST_F(GattCharacteristic, ForgetsItsCallbackWhenNotificationsAreRefused)
 
 TEST_F(GattCharacteristic, EndsItsNotificationsOnce)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     simulator::ClearJournal();
     EXPECT_TRUE(characteristic.Deinit());
@@ -94,7 +94,7 @@ TEST_F(GattCharacteristic, MayBeEndedBeforeItIsSetUp)
 
 TEST_F(GattCharacteristic, PassesValuesOnAsTheyCome)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     const char* given = nullptr;
     int givenLength = 0;
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), [&](const char* value, int length) {
@@ -113,7 +113,7 @@ TEST_F(GattCharacteristic, PassesValuesOnAsTheyCome)
 
 TEST_F(GattCharacteristic, DropsValuesOfOtherHandles)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     char value[] = "x";
     characteristic.OnCharateristicValueChaned(Characteristic(kServiceA, kCharacteristicA2), value, 1);
@@ -125,7 +125,7 @@ TEST_F(GattCharacteristic, DropsValuesOfOtherHandles)
 
 TEST_F(GattCharacteristic, SaysThatNobodyWantsItsValues)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), nullptr));
     char value[] = "x";
     characteristic.OnCharateristicValueChaned(Handle(), value, 1);
@@ -135,7 +135,7 @@ TEST_F(GattCharacteristic, SaysThatNobodyWantsItsValues)
 
 TEST_F(GattCharacteristic, WritesAnyBytes)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     simulator::ClearJournal();
     const std::string bytes("a\0b", 3);
@@ -154,7 +154,7 @@ TEST_F(GattCharacteristic, WritesAnyBytes)
 
 TEST_F(GattCharacteristic, TellsOfTheEndOfItsWrite)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(characteristic.write("a", KeepWrites()));
     characteristic.OnWriteCompleted(0, Handle());
@@ -166,7 +166,7 @@ TEST_F(GattCharacteristic, TellsOfTheEndOfItsWrite)
 
 TEST_F(GattCharacteristic, TellsTheLastWriterOnly)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     int first = 0;
     ASSERT_TRUE(characteristic.write("a", [&](int) { ++first; }));
@@ -179,7 +179,7 @@ TEST_F(GattCharacteristic, TellsTheLastWriterOnly)
 
 TEST_F(GattCharacteristic, DropsTheEndOfOtherHandlesWrites)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(characteristic.write("a", KeepWrites()));
     characteristic.OnWriteCompleted(0, nullptr);
@@ -191,7 +191,7 @@ TEST_F(GattCharacteristic, DropsTheEndOfOtherHandlesWrites)
 
 TEST_F(GattCharacteristic, SaysThatNobodyWaitsForItsWrite)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     characteristic.OnWriteCompleted(0, Handle());
     EXPECT_EQ(Messages(ERROR), Texts{"m_WrietCompletedCb is nullptr"});
@@ -200,7 +200,7 @@ TEST_F(GattCharacteristic, SaysThatNobodyWaitsForItsWrite)
 
 TEST_F(GattCharacteristic, KeepsTheWriterBeforeWhenAValueCannotBeSet)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(characteristic.write("a", KeepWrites()));
     simulator::FailCall("bt_gatt_set_value", -1);
@@ -215,7 +215,7 @@ TEST_F(GattCharacteristic, KeepsTheWriterBeforeWhenAValueCannotBeSet)
 
 TEST_F(GattCharacteristic, KeepsNoWriterWhenAWriteCannotBegin)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(characteristic.write("a", KeepWrites()));
     simulator::FailCall("bt_gatt_client_write_value", -1);
@@ -228,7 +228,7 @@ TEST_F(GattCharacteristic, KeepsNoWriterWhenAWriteCannotBegin)
 
 TEST_F(GattCharacteristic, CannotBeWrittenBeforeItIsSetUp)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     EXPECT_FALSE(characteristic.write("a", KeepWrites()));
     EXPECT_EQ(Messages(ERROR), Texts{"fail to bt_gatt_set_value(a)"});
 }
@@ -263,7 +263,7 @@ TEST_F(GattCharacteristic, LeavesTheUuidAloneWhenTheServiceIsNotToBeHad)
 
 TEST_F(GattCharacteristic, CopiesEverything)
 {
-    CGattCharacteristic original(kCharacteristicA1);
+    CGattCharacteristic original(kCharacteristicA1, keeper);
     ASSERT_TRUE(original.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(original.write("a", KeepWrites()));
     char value[] = "x";
@@ -282,17 +282,19 @@ TEST_F(GattCharacteristic, CopiesEverything)
     EXPECT_TRUE(assigned.write("b", KeepWrites()));
     original.Deinit();
 
-    // The UUID has been copied, too.
+    // The UUID has been copied, too, and who keeps it.
     simulator::ClearJournal();
     ASSERT_TRUE(constructed.Init(Service(kServiceA), KeepValues()));
     EXPECT_EQ(simulator::JournalText()[0],
               std::string("bt_gatt_service_get_characteristic(\"") + kCharacteristicA1 + "\")");
+    EXPECT_EQ(constructed.Keep(), keeper);
+    EXPECT_EQ(assigned.Keep(), keeper);
     constructed.Deinit();
 }
 
 TEST_F(GattCharacteristic, LeavesThePlatformsCallbacksToTheOriginal)
 {
-    auto original = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
+    auto original = std::make_unique<CGattCharacteristic>(kCharacteristicA1, keeper);
     ASSERT_TRUE(original->Init(Service(kServiceA), KeepValues()));
     const auto registration = simulator::ValueRegistration(kCharacteristicA1);
     const CGattCharacteristic copy(*original);
@@ -304,7 +306,7 @@ TEST_F(GattCharacteristic, LeavesThePlatformsCallbacksToTheOriginal)
 
 TEST_F(GattCharacteristic, MayGoInsideItsNotification)
 {
-    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
+    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1, keeper);
     auto life = std::make_shared<int>();
     const std::weak_ptr<int> callable = life;
     ASSERT_TRUE(characteristic->Init(Service(kServiceA), [&, held = std::move(life)](const char* value, int) {
@@ -323,7 +325,7 @@ TEST_F(GattCharacteristic, MayGoInsideItsNotification)
 
 TEST_F(GattCharacteristic, MayGoInsideTheEndOfItsWrite)
 {
-    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1);
+    auto characteristic = std::make_unique<CGattCharacteristic>(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic->Init(Service(kServiceA), KeepValues()));
     auto life = std::make_shared<int>();
     const std::weak_ptr<int> callable = life;
@@ -337,9 +339,42 @@ TEST_F(GattCharacteristic, MayGoInsideTheEndOfItsWrite)
     EXPECT_TRUE(callable.expired());
 }
 
+TEST_F(GattCharacteristic, KeepsItsOwnerDuringItsNotification)
+{
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
+    const std::weak_ptr<int> owner = keeper;
+    ASSERT_TRUE(characteristic.Init(Service(kServiceA), [&](const char* value, int) {
+        keeper.reset();
+        EXPECT_FALSE(owner.expired());
+        values.emplace_back(value);
+    }));
+    char value[] = "Success";
+    const auto registration = simulator::ValueRegistration(kCharacteristicA1);
+    registration.callback(Handle(), value, 7, registration.userData);
+    EXPECT_EQ(values, Texts{"Success"});
+    EXPECT_TRUE(owner.expired());
+    characteristic.Deinit();
+}
+
+TEST_F(GattCharacteristic, HearsNothingAnyMoreWhenItsOwnerIsOnItsWayOut)
+{
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
+    ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
+    ASSERT_TRUE(characteristic.write("a", KeepWrites()));
+    keeper.reset();
+    char value[] = "x";
+    const auto registration = simulator::ValueRegistration(kCharacteristicA1);
+    registration.callback(Handle(), value, 1, registration.userData);
+    simulator::Settle();
+    EXPECT_TRUE(values.empty());
+    EXPECT_TRUE(writes.empty());
+    EXPECT_EQ(Messages(ERROR), Texts{});
+    characteristic.Deinit();
+}
+
 TEST_F(GattCharacteristic, DropsReportsWithoutUserData)
 {
-    CGattCharacteristic characteristic(kCharacteristicA1);
+    CGattCharacteristic characteristic(kCharacteristicA1, keeper);
     ASSERT_TRUE(characteristic.Init(Service(kServiceA), KeepValues()));
     ASSERT_TRUE(characteristic.write("a", KeepWrites()));
     char value[] = "x";

@@ -139,13 +139,18 @@ TEST_F(GattClient, MayGoInsideTheReportOfItsMtu)
         client->RequestSetMtu(256, [&, held = std::move(life)](void*, const bt_gatt_client_att_mtu_info_s* info) {
             client.reset();
             EXPECT_FALSE(callable.expired()) << "what is being called lives";
+            EXPECT_EQ(simulator::Alive().clients, 1) << "and so does the client, until the report is over";
             mtus.push_back(info->mtu);
+            simulator::ClearJournal();
         }));
     simulator::Settle();
     EXPECT_EQ(mtus, std::vector<unsigned>{256});
     EXPECT_TRUE(callable.expired());
     EXPECT_EQ(simulator::Alive().clients, 0);
-    EXPECT_EQ(CountCalls("bt_gatt_client_unset_att_mtu_changed_cb"), 0);
+    Texts end = {"bt_gatt_client_unset_att_mtu_changed_cb()", "bt_gatt_unset_connection_state_changed_cb()"};
+    end.insert(end.end(), 3, "bt_gatt_client_unset_characteristic_value_changed_cb()");
+    end.emplace_back("bt_gatt_client_destroy()");
+    EXPECT_EQ(simulator::JournalText(), end);
 }
 
 TEST_F(GattClient, WritesToTheCharacteristicOfTheService)

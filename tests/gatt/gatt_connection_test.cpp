@@ -279,27 +279,25 @@ TEST_F(GattConnection, DropsReportsWithoutAddressOrUserData)
 
 TEST_F(GattConnection, LetsOtherExceptionsPassAndThePlatformHearsOfNone)
 {
-    CGattClient client;
-    ASSERT_TRUE(client.Init([](int, bool, const std::string&) { throw std::runtime_error("the requester's own"); },
-                            nullptr, {}));
-    ASSERT_TRUE(client.Connect(kPhone));
-    EXPECT_THROW(client.OnConnectionStateChanged(0, true, kPhone), std::runtime_error);
+    const auto client = MakeBareClient();
+    ASSERT_TRUE(client->Init(
+        [](int, bool, const std::string&) { throw std::runtime_error("the requester's own"); }, nullptr, {}));
+    ASSERT_TRUE(client->Connect(kPhone));
+    EXPECT_THROW(client->OnConnectionStateChanged(0, true, kPhone), std::runtime_error);
     simulator::ClearLog();
     EXPECT_NO_THROW(Report(kConnectTimedOut, true, kPhone));
     EXPECT_TRUE(HasLogWith(ERROR, "the requester's own"));
-    client.Deinit();
 }
 
 TEST_F(GattConnection, MayHaveNobodyToTell)
 {
-    CGattClient client;
-    ASSERT_TRUE(client.Init(nullptr, nullptr, {}));
-    ASSERT_TRUE(client.Connect(kPhone));
+    const auto client = MakeBareClient();
+    ASSERT_TRUE(client->Init(nullptr, nullptr, {}));
+    ASSERT_TRUE(client->Connect(kPhone));
     simulator::Settle();
     EXPECT_EQ(simulator::Alive().clients, 1);
     EXPECT_FALSE(HasLog(INFO, "forward callback to user"));
     EXPECT_EQ(Messages(ERROR), Texts{});
-    client.Deinit();
 }
 
 TEST_F(GattConnection, TakesTheSameReportTwice)
@@ -331,11 +329,48 @@ TEST_F(GattConnection, LeavesTheRegistrationToTheClientThatCameLater)
     EXPECT_EQ(simulator::ConnectionRegistration().callback, nullptr);
 }
 
+TEST_F(GattConnection, IsNotReportedToAClientThatIsGone)
+{
+    auto client = MakeConnectedClient();
+    const auto registration = simulator::ConnectionRegistration();
+    client.reset();
+    simulator::ClearLog();
+    simulator::ClearJournal();
+    registration.callback(0, false, kPhone, registration.userData);
+    EXPECT_TRUE(reports.empty());
+    EXPECT_TRUE(LogLines().empty());
+    EXPECT_EQ(simulator::JournalText(), Texts{});
+}
+
+TEST_F(GattConnection, IsNotReportedToAClientThatNobodyCanKeep)
+{
+    CGattClient client;
+    ASSERT_TRUE(client.Init([this](int, bool, const std::string&) { reports.emplace_back("told"); }, nullptr, {}));
+    ASSERT_TRUE(client.Connect(kPhone));
+    Report(0, true, kPhone);
+    EXPECT_TRUE(reports.empty());
+    client.Deinit();
+}
+
+TEST_F(GattConnection, CannotBeMadeByAClientWhenALaterOneHasMadeOne)
+{
+    const auto first = MakeClient();
+    const auto second = MakeClient();
+    ASSERT_TRUE(second->Connect(kPhone));
+    simulator::ClearJournal();
+    EXPECT_FALSE(first->Connect(kPhone));
+    EXPECT_EQ(Messages(ERROR), Texts{"fail to bt_gatt_set_connection_state_changed_cb"});
+    EXPECT_EQ(simulator::JournalText(), Texts{});
+    EXPECT_FALSE(first->Disconnect()) << "there is no address";
+    simulator::Settle();
+    EXPECT_EQ(reports, Texts{"connected 0 AA:BB:CC:DD:EE:01"}) << "told to the later one, once";
+}
+
 TEST_F(GattConnection, MayGoInsideItsReport)
 {
     for (const bool connected : {true, false}) {
         SCOPED_TRACE(connected);
-        std::unique_ptr<CGattClient, Deleter> client(new CGattClient);
+        ClientPtr client = MakeBareClient();
         std::string told;
         auto life = std::make_shared<int>();
         const std::weak_ptr<int> callable = life;

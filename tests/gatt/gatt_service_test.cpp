@@ -31,7 +31,7 @@ const char* const kEnd = "bt_gatt_client_unset_characteristic_value_changed_cb()
 
 TEST_F(GattService, SetsItsCharacteristicsUpInTheirOrder)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     EXPECT_TRUE(service.Init(client, {kCharacteristicA2, kCharacteristicA1}, KeepValues()));
     EXPECT_EQ(simulator::JournalText(), (Texts{std::string("bt_gatt_client_get_service(\"") + kServiceA + "\")",
                                                LookUp(kCharacteristicA2), kAsk, LookUp(kCharacteristicA1), kAsk}));
@@ -42,11 +42,11 @@ TEST_F(GattService, SetsItsCharacteristicsUpInTheirOrder)
 
 TEST_F(GattService, CannotBeSetUpWhenThePhoneLacksIt)
 {
-    CGattService service(kUnknown);
+    CGattService service(kUnknown, keeper);
     EXPECT_FALSE(service.Init(client, {kCharacteristicA1}, KeepValues()));
     EXPECT_EQ(Messages(ERROR), Texts{std::string("fail to bt_gatt_client_get_service for ") + kUnknown});
     EXPECT_EQ(CountCalls("bt_gatt_service_get_characteristic"), 0);
-    CGattService other(kServiceA);
+    CGattService other(kServiceA, keeper);
     simulator::FailCall("bt_gatt_client_get_service", -1);
     EXPECT_FALSE(other.Init(client, {kCharacteristicA1}, KeepValues()));
     CGattService nameless;
@@ -55,7 +55,7 @@ TEST_F(GattService, CannotBeSetUpWhenThePhoneLacksIt)
 
 TEST_F(GattService, LeavesOutWhatThePhoneLacks)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     EXPECT_TRUE(service.Init(client, {kCharacteristicA1, kUnknown, kCharacteristicA2}, KeepValues()));
     EXPECT_NE(service.GetCharacteristic(kCharacteristicA1), nullptr);
     EXPECT_NE(service.GetCharacteristic(kCharacteristicA2), nullptr);
@@ -73,7 +73,7 @@ TEST_F(GattService, LeavesOutWhatThePhoneLacks)
 
 TEST_F(GattService, GoesOnAfterACharacteristicWithoutNotifications)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     simulator::FailCall("bt_gatt_client_set_characteristic_value_changed_cb", -1, 1);
     EXPECT_TRUE(service.Init(client, {kCharacteristicA1, kCharacteristicA2}, KeepValues()));
     EXPECT_THROW(service.GetCharacteristic(kCharacteristicA1), LynExceptionInvalidParam);
@@ -83,7 +83,7 @@ TEST_F(GattService, GoesOnAfterACharacteristicWithoutNotifications)
 
 TEST_F(GattService, MayHaveNoCharacteristics)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     EXPECT_TRUE(service.Init(client, {}, KeepValues()));
     EXPECT_THROW(service.GetCharacteristic(kCharacteristicA1), LynExceptionInvalidParam);
     EXPECT_THROW(service.GetCharacteristic(""), LynExceptionInvalidParam);
@@ -91,7 +91,7 @@ TEST_F(GattService, MayHaveNoCharacteristics)
 
 TEST_F(GattService, KeepsTheFirstOfTwoOfOneUuid)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     EXPECT_TRUE(service.Init(client, {kCharacteristicA1, kCharacteristicA1}, KeepValues()));
     EXPECT_EQ(CountCalls("bt_gatt_service_get_characteristic"), 2);
     EXPECT_EQ(CountCalls("bt_gatt_client_unset_characteristic_value_changed_cb"), 1) << "the second is released";
@@ -102,7 +102,7 @@ TEST_F(GattService, KeepsTheFirstOfTwoOfOneUuid)
 
 TEST_F(GattService, EndsAllItsNotifications)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     ASSERT_TRUE(service.Init(client, {kCharacteristicA1, kCharacteristicA2}, KeepValues()));
     simulator::ClearJournal();
     service.Deinit();
@@ -114,7 +114,7 @@ TEST_F(GattService, EndsAllItsNotifications)
 
 TEST_F(GattService, LeavesACharacteristicToThoseWhoHoldIt)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     ASSERT_TRUE(service.Init(client, {kCharacteristicA1}, KeepValues()));
     auto held = service.GetCharacteristic(kCharacteristicA1);
     simulator::ClearJournal();
@@ -128,7 +128,7 @@ TEST_F(GattService, LeavesACharacteristicToThoseWhoHoldIt)
 
 TEST_F(GattService, SharesItsCharacteristicsWithItsCopies)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     ASSERT_TRUE(service.Init(client, {kCharacteristicA1}, KeepValues()));
     CGattService constructed(service);
     CGattService assigned;
@@ -145,7 +145,7 @@ TEST_F(GattService, SharesItsCharacteristicsWithItsCopies)
 
 TEST_F(GattService, PassesItsCallbackToAllItsCharacteristics)
 {
-    CGattService service(kServiceA);
+    CGattService service(kServiceA, keeper);
     ASSERT_TRUE(service.Init(client, {kCharacteristicA1, kCharacteristicA2}, KeepValues()));
     char value[] = "x";
     for (const char* uuid : {kCharacteristicA1, kCharacteristicA2}) {
@@ -154,6 +154,18 @@ TEST_F(GattService, PassesItsCallbackToAllItsCharacteristics)
         registration.callback(simulator::CharacteristicHandle(uuid), value, 1, registration.userData);
     }
     EXPECT_EQ(values, (Texts{"x", "x"}));
+    service.Deinit();
+}
+
+TEST_F(GattService, GivesItsKeeperToAllItsCharacteristics)
+{
+    CGattService service(kServiceA, keeper);
+    ASSERT_TRUE(service.Init(client, {kCharacteristicA1, kCharacteristicA2}, KeepValues()));
+    for (const char* uuid : {kCharacteristicA1, kCharacteristicA2}) {
+        EXPECT_EQ(service.GetCharacteristic(uuid)->Keep(), keeper);
+    }
+    keeper.reset();
+    EXPECT_EQ(service.GetCharacteristic(kCharacteristicA1)->Keep(), nullptr);
     service.Deinit();
 }
 

@@ -6,19 +6,10 @@
 #include "Common/LynException.h"
 #include "Requester/CKovRequester.h"
 #include "Requester/CNodLinkRequester.h"
-#include "Requester/CScreenMirroringRequester.h"
-#include "support/Clock.h"
-#include "support/LogOrder.h"
-#include "support/SimulatedTv.h"
+#include "requester/RequesterTest.h"
 
 namespace lyn::test {
 namespace {
-
-constexpr const char* kPhone = "AA:BB:CC:DD:EE:01";
-constexpr const char* kServiceUuid = "f7608236-13bd-4a99-bbcd-9426bccb6c24";
-constexpr const char* kCharacteristicUuid = "9be85432-b1db-416c-9e1c-d6d381305337";
-
-using Texts = std::vector<std::string>;
 
 /// The base, which builds no message of its own.
 class PlainRequester : public CRequester {
@@ -26,47 +17,17 @@ public:
     explicit PlainRequester(RequestResultCb cb) : CRequester(std::move(cb), kServiceUuid, kCharacteristicUuid) {}
 };
 
-class Requester : public SimulatedTv {
-protected:
-    Requester()
-    {
-        while (ElapseTimeout()) {
-            simulator::Settle();
-        }
-        simulator::Answer answer;
-        answer.text = "Success";
-        PhoneAnswers({answer});
-    }
-
-    static void PhoneAnswers(const std::vector<simulator::Answer>& answers, int disconnectDelayMs = 0)
-    {
-        simulator::Characteristic characteristic;
-        characteristic.uuid = kCharacteristicUuid;
-        characteristic.answers = answers;
-        simulator::Phone phone;
-        phone.address = kPhone;
-        phone.services = {{kServiceUuid, {characteristic}}};
-        phone.disconnectDelayMs = disconnectDelayMs;
-        simulator::AddPhone(phone);
-    }
-
-    RequestResultCb Keep()
-    {
-        return [this](const std::string& result) { m_results.push_back(result); };
-    }
-
-    Texts m_results;
-};
+using Requester = RequesterTest;
 
 TEST_F(Requester, DeliversTheAnswerAsItIs)
 {
-    CScreenMirroringRequester requester(Keep());
+    const auto requester = Make();
     for (const std::string& text : {std::string("Connected"), std::string("?!"), std::string(300, 'x'),
                                     std::string(" a b "), std::string("\xff")}) {
         simulator::Answer answer;
         answer.text = text;
         PhoneAnswers({answer});
-        ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+        ASSERT_TRUE(Ask(*requester));
         simulator::Settle();
         ASSERT_FALSE(m_results.empty());
         EXPECT_EQ(m_results.back(), text);
@@ -76,8 +37,9 @@ TEST_F(Requester, DeliversTheAnswerAsItIs)
 
 TEST_F(Requester, DeliversFromTheMainLoopOnly)
 {
-    CScreenMirroringRequester requester(Keep());
-    requester.NotifyRequestResult("Success");
+    const auto requester = Make();
+    const auto exchange = requester->Begin();
+    requester->NotifyRequestResult(*exchange, "Success");
     EXPECT_TRUE(m_results.empty());
     simulator::Settle();
     EXPECT_EQ(m_results, Texts{"Success"});
@@ -87,12 +49,13 @@ TEST_F(Requester, DeliversFromTheMainLoopOnly)
 
 TEST_F(Requester, DeliversTheResultStoredLastEachTime)
 {
-    CScreenMirroringRequester requester(Keep());
-    requester.NotifyRequestResult("first");
-    requester.NotifyRequestResult("second");
+    const auto requester = Make();
+    const auto exchange = requester->Begin();
+    requester->NotifyRequestResult(*exchange, "first");
+    requester->NotifyRequestResult(*exchange, "second");
     simulator::Settle();
     EXPECT_EQ(m_results, (Texts{"second", "second"}));
-    requester.NotifyRequestResult("third");
+    requester->NotifyRequestResult(*exchange, "third");
     simulator::Settle();
     EXPECT_EQ(m_results.back(), "third");
     EXPECT_EQ(m_results.size(), 3U);
@@ -100,8 +63,8 @@ TEST_F(Requester, DeliversTheResultStoredLastEachTime)
 
 TEST_F(Requester, SaysThatNobodyWantsTheResult)
 {
-    CScreenMirroringRequester requester;
-    requester.NotifyRequestResult("Success");
+    const auto requester = std::make_shared<Open<CScreenMirroringRequester>>();
+    requester->NotifyRequestResult(*requester->Begin(), "Success");
     EXPECT_EQ(Messages(ERROR), Texts{"m_RequestResultCallback is NULL"});
     simulator::Settle();
 }
@@ -109,26 +72,29 @@ TEST_F(Requester, SaysThatNobodyWantsTheResult)
 TEST_F(Requester, EndsTheTimeOutAlsoWhenNobodyWantsTheResult)
 {
     PhoneAnswers({});
-    CScreenMirroringRequester requester;
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    const auto requester = std::make_shared<Open<CScreenMirroringRequester>>();
+    ASSERT_TRUE(Ask(*requester));
     simulator::Settle();
     ASSERT_EQ(ArmedTimeouts(), std::vector<unsigned>{10});
     EXPECT_TRUE(simulator::Alive().boosted);
-    requester.NotifyRequestResult("Success");
+    requester->NotifyRequestResult(*requester->Latest(), "Success");
     EXPECT_TRUE(ArmedTimeouts().empty());
     EXPECT_FALSE(simulator::Alive().boosted);
 }
 
 TEST_F(Requester, MayGoInsideItsResult)
 {
-    std::unique_ptr<CScreenMirroringRequester> requester;
-    requester = std::make_unique<CScreenMirroringRequester>([&](const std::string& result) {
+    std::shared_ptr<Open<CScreenMirroringRequester>> requester;
+    requester = std::make_shared<Open<CScreenMirroringRequester>>([&](const std::string& result) {
         const std::string copy = result;
         requester.reset();
         m_results.push_back(copy + result);
     });
-    requester->NotifyRequestResult("a text that is too long to be kept inside the string object itself");
-    requester->NotifyRequestResult("another text that is too long to be kept inside the string object");
+    requester->Begin();
+    requester->NotifyRequestResult(*requester->Latest(),
+                                   "a text that is too long to be kept inside the string object itself");
+    requester->NotifyRequestResult(*requester->Latest(),
+                                   "another text that is too long to be kept inside the string object");
     simulator::Settle();
     ASSERT_EQ(m_results.size(), 1U);
     EXPECT_EQ(requester, nullptr);
@@ -137,11 +103,11 @@ TEST_F(Requester, MayGoInsideItsResult)
 TEST_F(Requester, SurvivesAResultThatThrows)
 {
     int calls = 0;
-    CScreenMirroringRequester requester([&](const std::string&) {
+    const auto requester = std::make_shared<Open<CScreenMirroringRequester>>([&](const std::string&) {
         ++calls;
         throw std::runtime_error("the application's own");
     });
-    requester.NotifyRequestResult("Success");
+    requester->NotifyRequestResult(*requester->Begin(), "Success");
     simulator::Settle();
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(HasLogWith(ERROR, "the application's own"));
@@ -164,23 +130,22 @@ TEST_F(Requester, KnowsOneCharacteristicOfOneService)
 
 TEST_F(Requester, KeepsTheExtraDataOfTheLastRequest)
 {
-    CScreenMirroringRequester requester(Keep());
-    EXPECT_EQ(requester.GetExtraData(), "");
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, R"({"a":1})"));
-    EXPECT_EQ(requester.GetExtraData(), R"({"a":1})");
+    const auto requester = Make();
+    ASSERT_TRUE(Ask(*requester, R"({"a":1})"));
+    EXPECT_EQ(requester->GetExtraData(*requester->Latest()), R"({"a":1})");
     EXPECT_TRUE(HasLog(INFO, R"(extra data : {"a":1})"));
     simulator::FailCall("bt_gatt_connect", -1);
     simulator::Settle();
-    EXPECT_FALSE(requester.RequestInitiating(kPhone, "other"));
-    EXPECT_EQ(requester.GetExtraData(), "other");
+    EXPECT_FALSE(Ask(*requester, "other"));
+    EXPECT_EQ(requester->GetExtraData(*requester->Latest()), "other");
 }
 
 TEST_F(Requester, WritesAnEmptyMessageInItsBase)
 {
-    PlainRequester requester(Keep());
-    EXPECT_EQ(requester.BuildData(), "");
+    const auto requester = Make<PlainRequester>();
+    EXPECT_EQ(requester->BuildData(*requester->Begin()), "");
     EXPECT_TRUE(HasLog(INFO, "Not implemented"));
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    ASSERT_TRUE(Ask(*requester));
     simulator::Settle();
     EXPECT_EQ(simulator::MessagesTo(kPhone), Texts{""});
     EXPECT_EQ(m_results, Texts{"Success"});
@@ -188,29 +153,29 @@ TEST_F(Requester, WritesAnEmptyMessageInItsBase)
 
 TEST_F(Requester, RefusesNodLinksOperationsInItsBase)
 {
-    PlainRequester requester(Keep());
+    const auto requester = Make<PlainRequester>();
     for (const std::string& version : {std::string("2.0"), std::string("3.0"), std::string("x")}) {
         try {
-            requester.SetNodLinkVersion(version);
+            requester->SetNodLinkVersion(version);
             FAIL();
         } catch (const LynExceptionNotSupported& e) {
             EXPECT_STREQ(e.what(), "Not supported api for this service");
             EXPECT_EQ(e.GetCode(), LYN_ERROR_NOT_SUPPORTED);
         }
     }
-    EXPECT_THROW(requester.GetNodlinkType(), LynExceptionNotSupported);
+    EXPECT_THROW(requester->GetNodlinkType(), LynExceptionNotSupported);
     EXPECT_EQ(CountLog(ERROR, "Not supported api for this service"), 4);
 }
 
 TEST_F(Requester, ReplacesAClientThatItStillHolds)
 {
     PhoneAnswers({});
-    CScreenMirroringRequester requester(Keep());
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    const auto requester = Make();
+    ASSERT_TRUE(Ask(*requester));
     simulator::Settle();
     EXPECT_EQ(simulator::Alive().clients, 1);
     simulator::ClearJournal();
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    ASSERT_TRUE(Ask(*requester));
     EXPECT_EQ(CountLog(INFO, "in custom deleter of m_GattClient"), 1);
     EXPECT_EQ(Calls("bt_gatt"), (Texts{"bt_gatt_unset_connection_state_changed_cb()",
                                        "bt_gatt_client_unset_characteristic_value_changed_cb()",
@@ -223,8 +188,9 @@ TEST_F(Requester, ReplacesAClientThatItStillHolds)
 
 TEST_F(Requester, TakesADisconnectionWithoutAClient)
 {
-    CScreenMirroringRequester requester(Keep());
-    requester.OnConnectionStateChanged(0, false, kPhone);
+    const auto requester = Make();
+    const auto exchange = requester->Begin();
+    requester->OnConnectionStateChanged(*exchange, 0, false, kPhone);
     EXPECT_TRUE(LogsInOrder({{INFO, "disconnected gatt [AA:BB:CC:DD:EE:01]"},
                              {ERROR, "GATT disconnected before requesting is done"}}));
     simulator::Settle();
@@ -233,39 +199,41 @@ TEST_F(Requester, TakesADisconnectionWithoutAClient)
 
 TEST_F(Requester, TakesATimeOutWithoutAClient)
 {
-    CScreenMirroringRequester requester(Keep());
-    requester.DisconnectGattForcelyByTimeout();
+    const auto requester = Make();
+    const auto exchange = requester->Begin();
+    requester->DisconnectGattForcelyByTimeout(*exchange);
     simulator::Settle();
     EXPECT_EQ(m_results, Texts{"GattFail"});
     EXPECT_EQ(CountCalls("bt_gatt_disconnect"), 0);
     // The exchange is done from this side, so the next disconnection is no failure.
-    requester.OnConnectionStateChanged(0, false, kPhone);
+    requester->OnConnectionStateChanged(*exchange, 0, false, kPhone);
     EXPECT_FALSE(HasLog(ERROR, "GATT disconnected before requesting is done"));
-    requester.OnConnectionStateChanged(0, false, kPhone);
+    requester->OnConnectionStateChanged(*exchange, 0, false, kPhone);
     EXPECT_TRUE(HasLog(ERROR, "GATT disconnected before requesting is done")) << "and then it is one again";
 }
 
 TEST_F(Requester, SplitsReportsByWhetherTheLinkIsUp)
 {
-    CScreenMirroringRequester requester(Keep());
-    requester.OnConnectionStateChanged(7, true, kPhone);
+    const auto requester = Make();
+    const auto exchange = requester->Begin();
+    requester->OnConnectionStateChanged(*exchange, 7, true, kPhone);
     EXPECT_EQ(Messages(ERROR), Texts{"connection fail"});
     simulator::Settle();
     EXPECT_EQ(m_results, Texts{"GattFail"});
     simulator::ClearLog();
-    requester.OnConnectionStateChanged(7, false, kPhone);
+    requester->OnConnectionStateChanged(*exchange, 7, false, kPhone);
     EXPECT_EQ(Messages(ERROR), Texts{"disconnection fail"});
 }
 
 TEST_F(Requester, BeginsAnewWhenTheLinkComesUpAgain)
 {
     PhoneAnswers({}, 50);
-    CScreenMirroringRequester requester(Keep());
-    ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
+    const auto requester = Make();
+    ASSERT_TRUE(Ask(*requester));
     simulator::Settle();
     ASSERT_TRUE(ElapseTimeout());
     ASSERT_TRUE(simulator::RunUntil([] { return CountCalls("bt_gatt_disconnect") == 1; }));
-    requester.OnGattConnected(0, kPhone);
+    requester->OnGattConnected(*requester->Latest(), 0, kPhone);
     EXPECT_EQ(ArmedTimeouts(), std::vector<unsigned>{10});
     simulator::Settle();
     EXPECT_TRUE(HasLog(ERROR, "GATT disconnected before requesting is done"));
@@ -275,7 +243,8 @@ TEST_F(Requester, BeginsAnewWhenTheLinkComesUpAgain)
 
 TEST_F(Requester, ChoosesNodLinksModeByItsMessage)
 {
-    CNodLinkRequester requester(Keep());
+    const auto requester = Make<CNodLinkRequester>();
+    const auto exchange = requester->Begin();
     const std::vector<std::pair<const char*, int>> cases = {
         {R"({"service":"screen","view":"full"})", 1},
         {R"({"service":"screen","view":"multi"})", 0},
@@ -290,8 +259,8 @@ TEST_F(Requester, ChoosesNodLinksModeByItsMessage)
     for (const auto& [message, mode] : cases) {
         SCOPED_TRACE(message);
         simulator::ClearLog();
-        requester.SetMirroringMode(message);
-        EXPECT_EQ(requester.GetNodlinkType(), mode);
+        requester->SetMirroringMode(*exchange, message);
+        EXPECT_EQ(requester->GetNodlinkType(), mode);
         EXPECT_TRUE(LogsInOrder({{INFO, std::string("data : ") + message},
                                  {INFO, "screen mirroring mode : " + std::to_string(mode)}}));
     }
@@ -299,32 +268,33 @@ TEST_F(Requester, ChoosesNodLinksModeByItsMessage)
 
 TEST_F(Requester, StoresNodLinksMode)
 {
-    CNodLinkRequester requester(Keep());
-    requester.WriteScreenMirroringModeToVconf(2);
+    const auto requester = Make<CNodLinkRequester>();
+    requester->WriteScreenMirroringModeToVconf(2);
     EXPECT_EQ(simulator::IntSetting("memory/lyn/nodlink/mirroring_mode"), 2);
     EXPECT_TRUE(HasLog(INFO, "screen mirroring mode : 2"));
     simulator::FailCall("vconf_set_int", -1);
-    requester.WriteScreenMirroringModeToVconf(1);
+    requester->WriteScreenMirroringModeToVconf(1);
     EXPECT_EQ(Messages(ERROR), Texts{"fail to set memory/lyn/nodlink/mirroring_mode"});
     EXPECT_EQ(simulator::IntSetting("memory/lyn/nodlink/mirroring_mode"), 2);
 }
 
-TEST_F(Requester, ReleasesItsClientWhenItGoes)
+TEST_F(Requester, ReleasesItsClientAndItsTimeOutWhenItGoes)
 {
     PhoneAnswers({});
-    {
-        CScreenMirroringRequester requester(Keep());
-        ASSERT_TRUE(requester.RequestInitiating(kPhone, ""));
-        simulator::Settle();
-        simulator::ClearJournal();
-    }
+    auto requester = Make();
+    ASSERT_TRUE(Ask(*requester));
+    simulator::Settle();
+    ASSERT_EQ(ArmedTimeouts(), std::vector<unsigned>{10});
+    const SourceCallback timeout = LastTimeout();
+    simulator::ClearJournal();
+    requester.reset();
     EXPECT_EQ(simulator::JournalText(),
               (Texts{"bt_gatt_unset_connection_state_changed_cb()",
                      "bt_gatt_client_unset_characteristic_value_changed_cb()", "bt_gatt_client_destroy()"}));
     EXPECT_TRUE(HasLog(INFO, "in custom deleter of m_GattClient"));
-    EXPECT_EQ(ArmedTimeouts(), std::vector<unsigned>{10}) << "left to find nothing";
+    EXPECT_TRUE(ArmedTimeouts().empty());
     simulator::ClearJournal();
-    ASSERT_TRUE(ElapseTimeout());
+    EXPECT_EQ(timeout.function(timeout.data), FALSE) << "one that was on its way finds nothing";
     simulator::Settle();
     EXPECT_EQ(simulator::JournalText(), Texts{});
     EXPECT_TRUE(m_results.empty());
@@ -333,8 +303,9 @@ TEST_F(Requester, ReleasesItsClientWhenItGoes)
 TEST_F(Requester, TakesItsPendingResultWithIt)
 {
     {
-        CScreenMirroringRequester requester(Keep());
-        requester.NotifyRequestResult("Success");
+        const auto requester = Make();
+        const auto exchange = requester->Begin();
+        requester->NotifyRequestResult(*exchange, "Success");
     }
     simulator::Settle();
     EXPECT_TRUE(m_results.empty());

@@ -11,9 +11,7 @@ IService* CServiceBuilder::BuildService(const std::string& name, const StateChan
     auto& script = test::FakeService::TheScript();
     script.calls.push_back("build " + name);
     script.stateCb = cb;
-    if (script.onBuild) {
-        script.onBuild();
-    }
+    test::FakeService::Run(script.onBuild);
     return script.buildsNothing ? nullptr : new test::FakeService;
 }
 
@@ -25,6 +23,13 @@ FakeService::Script& FakeService::TheScript()
 {
     static Script script;
     return script;
+}
+
+void FakeService::Run(const std::function<void()>& work)
+{
+    if (const std::function<void()> copy = work) {  // The work may replace itself.
+        copy();
+    }
 }
 
 FakeService::FakeService()
@@ -42,9 +47,7 @@ FakeService::~FakeService()
 void FakeService::Operate(const std::string& call)
 {
     TheScript().calls.push_back(call);
-    if (TheScript().onOperation) {
-        TheScript().onOperation();
-    }
+    Run(TheScript().onOperation);
 }
 
 void* FakeService::GetHandle()
@@ -61,6 +64,7 @@ lyn_error_e FakeService::Init()
 lyn_error_e FakeService::Deinit()
 {
     TheScript().calls.emplace_back("deinit");
+    Run(TheScript().onRelease);
     return LYN_ERROR_NONE;
 }
 
@@ -142,6 +146,7 @@ FakeServiceTest::FakeServiceTest() : script(FakeService::TheScript())
 FakeServiceTest::~FakeServiceTest()
 {
     script.onOperation = nullptr;
+    script.onRelease = nullptr;
     if (script.living != nullptr) {
         CServiceManager::GetInstance().DestroyService(script.living->GetHandle());
     }

@@ -25,6 +25,10 @@ public:
         std::function<void()> onOperation;
         /// Runs inside the builder.
         std::function<void()> onBuild;
+        /// Runs inside the release of a service.
+        std::function<void()> onRelease;
+        int opened = 0;
+        int retired = 0;
         bool buildsNothing = false;
         int nodlinkType = 0;
         std::string errorText;
@@ -35,6 +39,7 @@ public:
         FakeService* living = nullptr;
     };
     static Script& TheScript();
+    static void Run(const std::function<void()>& work);
 
     FakeService();
     ~FakeService() override;
@@ -56,7 +61,8 @@ public:
     void OnRequestResult(lyn_request_initiating_result_e result) override;
     void OnDeviceFound(const lyn_device_info_t& info) override;
     int GetNodlinkType() override;
-    void StopReports() override {}
+    void Open() override { ++TheScript().opened; }
+    void Retire() override { ++TheScript().retired; }
 
 private:
     static void Operate(const std::string& call);

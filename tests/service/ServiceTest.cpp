@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service/ServiceTest.h"
 
-#include "FSM/CServiceFSM.h"
-
 namespace lyn::test {
 
 bool FakeScanner::StartScan()
@@ -24,6 +22,22 @@ bool FakeRequester::RequestInitiating(const std::string& deviceAddress, const st
         m_parts.onRequest();
     }
     return m_parts.requests;
+}
+
+void FakeRequester::EndRequestCall()
+{
+    ++m_parts.callEnds;
+    if (m_parts.onCallEnd) {
+        m_parts.onCallEnd();
+    }
+}
+
+bool FakeRequester::IsResultOfLatest() const
+{
+    if (m_parts.onIsResultOfLatest) {
+        m_parts.onIsResultOfLatest();
+    }
+    return m_parts.resultIsOfLatest;
 }
 
 lyn_error_e FakeFsm::Init(StateChangedCb stateChangedCb)
@@ -50,15 +64,38 @@ void FakeFsm::ProcessEvent(LynFsmEvent event, const EventArgPtr& arg)
     }
 }
 
+void FakeFsm::ProcessEventSince(unsigned int moves, LynFsmEvent event, const EventArgPtr& arg)
+{
+    m_parts.movesGiven = moves;
+    ProcessEvent(event, arg);
+}
+
+bool FakeFsm::IsTooEarly(LynFsmEvent event) const
+{
+    m_parts.askedTooEarly.push_back(event);
+    return m_parts.tooEarly;
+}
+
 ServiceTest::ServiceTest()
-    : service(std::make_unique<CService>(
-          "some service", [this](lyn_state_e state) { told.push_back("state " + std::to_string(state)); }))
+    : service(MakeService([this](lyn_state_e state) {
+          told.push_back("state " + std::to_string(state));
+          if (onState) {
+              onState(state);
+          }
+      }))
 {
 }
 
 ServiceTest::~ServiceTest()
 {
     service.reset();  // Before the parts' list.
+}
+
+std::shared_ptr<CService> ServiceTest::MakeService(const StateChangedCb& cb)
+{
+    auto made = std::make_shared<CService>("some service", cb);
+    made->Open();
+    return made;
 }
 
 void ServiceTest::InstallParts()
@@ -83,9 +120,10 @@ void ServiceTest::Enter(lyn_state_e state)
 {
     class Machine : public CServiceFSM {
     public:
-        explicit Machine(lyn_state_e first) { m_CurrentState = first; }
+        explicit Machine(lyn_state_e first) { m_CurrentState = Position{first, 0}; }
     };
-    service->SetFsm(new Machine(state));
+    machine = new Machine(state);
+    service->SetFsm(machine);
     parts.calls.clear();
     told.clear();
     simulator::ClearLog();

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "FSM/CServiceFSM.h"
 #include "Service/CService.h"
 #include "support/LogOrder.h"
 #include "support/SimulatedTv.h"
@@ -25,6 +26,17 @@ struct Parts {
     bool requests = true;
     int nodlinkType = 0;
     std::function<void()> onRequest;
+    /// Of the calls that begin a request, how many have ended.
+    int callEnds = 0;
+    std::function<void()> onCallEnd;
+    bool resultIsOfLatest = true;
+    std::function<void()> onIsResultOfLatest;
+    int retirements = 0;
+    /// What a FakeFsm says of its moves, and what it was given with its last event that had to know of them.
+    unsigned int moves = 0;
+    unsigned int movesGiven = 0;
+    bool tooEarly = false;
+    std::vector<LynFsmEvent> askedTooEarly;
     /// Called with every event of a FakeFsm; runs the event's work when it is empty.
     std::function<void(LynFsmEvent, const EventArgPtr&)> onEvent;
 
@@ -59,17 +71,11 @@ public:
     ~FakeRequester() override { m_parts.Add("delete " + m_name); }
 
     bool RequestInitiating(const std::string& deviceAddress, const std::string& extraData) override;
+    void EndRequestCall() override;
+    bool IsResultOfLatest() const override;
+    void Retire() override { ++m_parts.retirements; }
     void SetNodLinkVersion(const std::string& version) override { m_parts.Add("version " + version); }
     int GetNodlinkType() override { return m_parts.nodlinkType; }
-    void NotifyRequestResult(const std::string&) override {}
-    void WriteControlData(const std::string&) override {}
-    void OnConnectionStateChanged(int, bool, const std::string&) override {}
-    void OnCharateristicValueChangedCb(const char*, int) override {}
-    void OnWriteComplete(int) override {}
-    void OnMtuChanged(bt_gatt_client_h, const bt_gatt_client_att_mtu_info_s*) override {}
-    void OnGattConnected(int, const std::string&) override {}
-    void OnGattDisConnected(int, const std::string&) override {}
-    std::string BuildData() override { return ""; }
 
 private:
     Parts& m_parts;
@@ -84,6 +90,9 @@ public:
     lyn_error_e Init(StateChangedCb stateChangedCb) override;
     lyn_error_e Deinit() override;
     void ProcessEvent(LynFsmEvent event, const EventArgPtr& arg) override;
+    unsigned int GetMoves() const override { return m_parts.moves; }
+    void ProcessEventSince(unsigned int moves, LynFsmEvent event, const EventArgPtr& arg) override;
+    bool IsTooEarly(LynFsmEvent event) const override;
 
     StateChangedCb report;
 
@@ -105,14 +114,19 @@ protected:
     /// The calls so far; the list begins anew.
     Texts TakeCalls();
 
+    /// A service held as its manager holds it.
+    static std::shared_ptr<CService> MakeService(const StateChangedCb& cb);
+
     DeviceFoundCb KeepDevices(const std::string& mark = "found");
     RequestInitiatingResultCb KeepResults(const std::string& mark = "result");
 
     Parts parts;
     /// What the application is told, in order: "state 1", "found AA:..", "result 0".
     Texts told;
-    std::unique_ptr<CService> service;
+    std::function<void(lyn_state_e)> onState;  ///< Called after the state has been kept.
+    std::shared_ptr<CService> service;
     FakeFsm* fsm = nullptr;
+    CServiceFSM* machine = nullptr;  ///< That of Enter().
 };
 
 }  // namespace lyn::test

@@ -39,7 +39,7 @@ protected:
     }
 
     // Fails the test unless this is the entry's service, initialised once and wired to KeepStates().
-    void ExpectService(const Entry& entry, IService* service)
+    void ExpectService(const Entry& entry, const std::shared_ptr<IService>& service)
     {
         ASSERT_NE(service, nullptr);
         const IService& object = *service;
@@ -59,10 +59,15 @@ protected:
         m_states.clear();
     }
 
-    static void Release(IService* service)
+    // Holds the service as its manager does.
+    static std::shared_ptr<IService> Hold(IService* service)
     {
-        service->Deinit();
-        delete service;
+        const std::shared_ptr<IService> held(service, [](IService* doomed) {
+            doomed->Deinit();
+            delete doomed;
+        });
+        held->Open();
+        return held;
     }
 
     CServiceBuilder m_builder;
@@ -74,9 +79,7 @@ TEST_F(ServiceBuilder, BuildsEachServiceByItsName)
     for (const Entry& entry : kEntries) {
         SCOPED_TRACE(entry.name);
         Forget();
-        IService* const service = m_builder.BuildService(entry.name, KeepStates());
-        ExpectService(entry, service);
-        Release(service);
+        ExpectService(entry, Hold(m_builder.BuildService(entry.name, KeepStates())));
     }
 }
 
@@ -85,9 +88,7 @@ TEST_F(ServiceBuilder, BuildsEachServiceByItsOwnOperation)
     for (const Entry& entry : kEntries) {
         SCOPED_TRACE(entry.name);
         Forget();
-        IService* const service = (m_builder.*entry.build)(KeepStates());
-        ExpectService(entry, service);
-        Release(service);
+        ExpectService(entry, Hold((m_builder.*entry.build)(KeepStates())));
     }
 }
 
@@ -100,9 +101,7 @@ TEST_F(ServiceBuilder, FindsTheBuilderOfEachName)
         const CServiceBuilder::ServiceBuilderFunc build = m_builder.GetServiceBuilder(entry.name);
         ASSERT_TRUE(build);
         EXPECT_EQ(CountCalls("bt_product_init"), 0);
-        IService* const service = build(KeepStates());
-        ExpectService(entry, service);
-        Release(service);
+        ExpectService(entry, Hold(build(KeepStates())));
     }
 }
 
@@ -133,8 +132,8 @@ TEST_F(ServiceBuilder, MayFillItsMapAgain)
 {
     m_builder.InitServiceBuilderMap();
     m_builder.InitServiceBuilderMap();
-    Release(m_builder.BuildService("dummy", nullptr));
-    Release(m_builder.BuildService("kov", nullptr));
+    Hold(m_builder.BuildService("dummy", nullptr));
+    Hold(m_builder.BuildService("kov", nullptr));
 }
 
 TEST_F(ServiceBuilder, ReturnsAServiceWhoseInitHasReportedACode)
@@ -163,9 +162,7 @@ TEST_F(ServiceBuilder, ReturnsNothingWhenInitThrowsAndLeavesNothingBehind)
 TEST_F(ServiceBuilder, CanBeUsedThroughItsInterface)
 {
     const std::unique_ptr<IServiceBuilder> builder = std::make_unique<CServiceBuilder>();
-    IService* const service = builder->BuildService("mirroring", nullptr);
-    EXPECT_EQ(service->GetServiceName(), "mirroring");
-    Release(service);
+    EXPECT_EQ(Hold(builder->BuildService("mirroring", nullptr))->GetServiceName(), "mirroring");
 }
 
 }  // namespace

@@ -26,16 +26,6 @@ TEST_F(ServiceDestruction, LogsTheReleaseOfEachPart)
     EXPECT_TRUE(Messages(ERROR).empty());
 }
 
-TEST_F(ServiceDestruction, RefusesTheWorkOfARequestThatItHasOvertaken)
-{
-    InstallParts();
-    service->StopReports();
-    EXPECT_EQ(ThrownBy<LynExceptionInvalidState>([&] { service->OnRequestInitiating("AA:BB:CC:DD:EE:01", ""); }),
-              "Invalid State");
-    EXPECT_TRUE(HasLog(ERROR, "Invalid State"));
-    EXPECT_TRUE(TakeCalls().empty());
-}
-
 TEST_F(ServiceDestruction, NeedsNoParts)
 {
     service.reset();
@@ -61,6 +51,20 @@ TEST_F(ServiceDestruction, TellsNoStateAnyMore)
     service.reset();
     report(LYN_STATE_SCANNING);
     EXPECT_TRUE(told.empty());
+}
+
+TEST_F(ServiceDestruction, TakesEffectAtOnceInsideTheReportOfAState)
+{
+    InstallParts();
+    Texts calls;
+    onState = [&](lyn_state_e) {
+        service.reset();
+        calls = TakeCalls();
+    };
+    const StateChangedCb report = fsm->report;
+    report(LYN_STATE_READY);
+    EXPECT_EQ(calls, Texts({"delete scanner", "delete requester", "deinit fsm", "delete fsm"}));
+    EXPECT_EQ(told, Texts({"state 0"}));
 }
 
 TEST_F(ServiceDestruction, KeepsTheStateMachineThroughTheEventThatEndsTheService)

@@ -29,6 +29,58 @@ TEST_F(ManagerThreads, CreateAndDestroyWhileACallIsInProgress)
     EXPECT_THROW(Manager().CreateService("third", nullptr), LynExceptionAlreadyDone);
 }
 
+TEST_F(ManagerThreads, AreNotHeldUpByAServiceThatIsBeingBuilt)
+{
+    int other = 0;
+    script.onBuild = [&] {
+        script.onBuild = nullptr;
+        std::thread([&] {
+            EXPECT_THROW(Manager().CreateService("second", nullptr), LynExceptionAlreadyDone);
+            EXPECT_THROW(Manager().DestroyService(&other), LynExceptionInvalidHandle);
+            for (const Forwarding& forwarding : Forwardings()) {
+                EXPECT_THROW(forwarding.call(&other), LynExceptionInvalidParam) << forwarding.name;
+            }
+        }).join();
+    };
+    const lyn_service_h handle = Manager().CreateService("first", nullptr);
+    EXPECT_EQ(TakeCalls(), Texts({"build first"}));
+    EXPECT_NO_THROW(Manager().StopScan(handle));
+}
+
+TEST_F(ManagerThreads, AreNotHeldUpByAServiceThatIsBeingReleased)
+{
+    const lyn_service_h handle = Manager().CreateService("first", nullptr);
+    lyn_service_h next = nullptr;
+    script.onRelease = [&] {
+        script.onRelease = nullptr;
+        std::thread([&] {
+            EXPECT_THROW(Manager().StopScan(handle), LynExceptionInvalidParam);
+            EXPECT_THROW(Manager().DestroyService(handle), LynExceptionInvalidHandle);
+            next = Manager().CreateService("second", nullptr);
+            EXPECT_NO_THROW(Manager().StopScan(next));
+        }).join();
+    };
+    Manager().DestroyService(handle);
+    EXPECT_EQ(TakeCalls(), Texts({"build first", "deinit", "build second", "stop scan", "delete"}));
+    EXPECT_NO_THROW(Manager().StopScan(next));
+}
+
+TEST_F(ManagerThreads, OpenAServiceOnceItIsHeldAndRetireItAtOnce)
+{
+    script.onBuild = [&] { EXPECT_EQ(script.opened, 0); };
+    const lyn_service_h handle = Manager().CreateService("first", nullptr);
+    EXPECT_EQ(script.opened, 1);
+    script.onOperation = [&] {
+        script.onOperation = nullptr;
+        EXPECT_EQ(script.retired, 0);
+        std::thread([&] { Manager().DestroyService(handle); }).join();
+        EXPECT_EQ(script.retired, 1) << "although a call still holds it";
+        EXPECT_EQ(script.living, handle);
+    };
+    Manager().StopScan(handle);
+    EXPECT_EQ(script.living, nullptr);
+}
+
 TEST_F(ManagerThreads, GiveTheOneServiceToOneCreator)
 {
     constexpr int threadCount = 8;

@@ -22,11 +22,6 @@ protected:
     }
 
     void Request(const std::string& mark = "result") { service->RequestInitiating(KeepResults(mark), "id", ""); }
-
-    bool RunUntilTold(std::size_t count)
-    {
-        return simulator::RunUntil([&] { return told.size() >= count; });
-    }
 };
 
 TEST_F(ServiceReports, OfAPhoneAreDroppedWithoutACallback)
@@ -196,26 +191,72 @@ TEST_F(ServiceReports, OfAResultStayWithTheirCallbackWhenAnEmptyOneIsRefused)
     EXPECT_EQ(told, Texts({"state 0", "first 0"}));
 }
 
-TEST_F(ServiceReports, OfAResultWaitForTheCallThatStartsTheRequest)
+TEST_F(ServiceReports, OfAResultMayComeAsSoonAsTheCallThatStartsTheRequestHasDoneItsWork)
 {
     InstallPartsAndMachine();
-    parts.onRequest = [&] { service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS); };
+    parts.onRequest = [&] { EXPECT_EQ(parts.callEnds, 0); };
+    parts.onCallEnd = [&] {
+        EXPECT_EQ(told, Texts({"state 0", "state 2"}));
+        service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS);
+    };
     Request();
-    EXPECT_EQ(told, Texts({"state 0", "state 2"}));
-    EXPECT_TRUE(Messages(ERROR).empty()) << "the result was not kept";
-    ASSERT_TRUE(RunUntilTold(4));
+    EXPECT_EQ(parts.callEnds, 1);
     EXPECT_EQ(told, Texts({"state 0", "state 2", "state 0", "result 0"}));
+    EXPECT_TRUE(Messages(ERROR).empty());
 }
 
-TEST_F(ServiceReports, OfAResultThatWaitFindNoServiceThatIsGone)
+TEST_F(ServiceReports, OfAResultAreWaitedForNoLongerHoweverTheCallEnds)
 {
     InstallPartsAndMachine();
-    parts.onRequest = [&] { service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS); };
+    parts.requests = false;
+    EXPECT_THROW(Request(), LynExceptionOperationFailed);
+    EXPECT_EQ(parts.callEnds, 1);
+    parts.onRequest = [] { throw 7; };
+    EXPECT_THROW(Request(), int);
+    EXPECT_EQ(parts.callEnds, 2);
+    Enter(LYN_STATE_REQUESTING);
+    EXPECT_THROW(Request(), LynExceptionInvalidState);
+    EXPECT_EQ(parts.callEnds, 3);
+}
+
+TEST_F(ServiceReports, OfAResultOfAnEarlierRequestAreNone)
+{
+    InstallPartsAndMachine();
     Request();
-    service.reset();
     told.clear();
-    simulator::Settle();
+    simulator::ClearLog();
+    parts.resultIsOfLatest = false;
+    service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS);
     EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(LogLines().empty());
+    parts.resultIsOfLatest = true;
+    service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_CONNECTED);
+    EXPECT_EQ(told, Texts({"state 0", "result 6"}));
+}
+
+TEST_F(ServiceReports, OfAResultRaiseTheirEventForTheMovesFromBeforeItWasFoundToBeOfTheLatestRequest)
+{
+    InstallParts();
+    Request();
+    parts.moves = 17;
+    parts.onIsResultOfLatest = [&] { parts.moves = 18; };
+    service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS);
+    EXPECT_EQ(parts.movesGiven, 17U);
+}
+
+TEST_F(ServiceReports, OfAResultAreLostWhenTheMachineMovesAtTheLastMoment)
+{
+    InstallPartsAndMachine();
+    Request();
+    Enter(LYN_STATE_REQUESTING);
+    // As when Bluetooth goes off and on, and a worker asks another phone.
+    parts.onIsResultOfLatest = [&] {
+        machine->TransitState(LYN_STATE_NOT_READY);
+        machine->TransitState(LYN_STATE_REQUESTING);
+    };
+    service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_SUCCESS);
+    EXPECT_EQ(told, Texts({"state 3", "state 2"})) << "that request goes on";
+    EXPECT_EQ(Messages(ERROR), Texts({"Invalid State", "exception : Invalid State"}));
 }
 
 TEST_F(ServiceReports, OfAStateAreToldAsTheyCome)
@@ -239,7 +280,7 @@ TEST_F(ServiceReports, OfAStateWithoutACallbackAreLogged)
 
 TEST_F(ServiceReports, OfAStateWithoutACallbackDoNotKeepTheMachineFromMoving)
 {
-    service = std::make_unique<CService>("deaf", nullptr);
+    service = MakeService(nullptr);
     InstallPartsAndMachine();
     service->StartScan(KeepDevices());
     EXPECT_EQ(ThrownBy<LynExceptionInvalidState>([&] { service->StartScan(KeepDevices()); }), "Invalid State");

@@ -20,8 +20,8 @@ using Texts = std::vector<std::string>;
 // A variant by its two constructors.
 struct Variant {
     const char* name;
-    std::unique_ptr<CService> (*make)(const std::string& name, const StateChangedCb& cb);
-    std::unique_ptr<CService> (*makeDefault)();
+    std::shared_ptr<CService> (*make)(const std::string& name, const StateChangedCb& cb);
+    std::shared_ptr<CService> (*makeDefault)();
     bool watchesTheDevice;
 };
 
@@ -29,10 +29,10 @@ template <typename Service>
 Variant VariantOf(const char* name, bool watchesTheDevice = false)
 {
     return {name,
-            [](const std::string& given, const StateChangedCb& cb) -> std::unique_ptr<CService> {
-                return std::make_unique<Service>(given, cb);
+            [](const std::string& given, const StateChangedCb& cb) -> std::shared_ptr<CService> {
+                return std::make_shared<Service>(given, cb);
             },
-            []() -> std::unique_ptr<CService> { return std::make_unique<Service>(); }, watchesTheDevice};
+            []() -> std::shared_ptr<CService> { return std::make_shared<Service>(); }, watchesTheDevice};
 }
 
 const Variant kVariants[] = {VariantOf<CDummyService>("dummy"), VariantOf<CScreenMirroringService>("mirroring"),
@@ -53,9 +53,15 @@ Texts InitCalls(const Variant& variant)
 
 class ServiceVariants : public SimulatedTv, public ::testing::WithParamInterface<Variant> {
 protected:
-    std::unique_ptr<CService> Make()
+    std::shared_ptr<CService> Make()
     {
-        return GetParam().make("a name", [this](lyn_state_e state) { m_states.push_back(state); });
+        return Open(GetParam().make("a name", [this](lyn_state_e state) { m_states.push_back(state); }));
+    }
+
+    static std::shared_ptr<CService> Open(std::shared_ptr<CService> service)
+    {
+        service->Open();
+        return service;
     }
 
     std::vector<lyn_state_e> m_states;
@@ -121,7 +127,7 @@ TEST_P(ServiceVariants, IgnoreAFailureOfTheBluetoothProductInDeinit)
 
 TEST_P(ServiceVariants, CanBeMadeWithoutNameAndCallback)
 {
-    const auto service = GetParam().makeDefault();
+    const auto service = Open(GetParam().makeDefault());
     EXPECT_EQ(service->GetServiceName(), "");
     EXPECT_EQ(service->Init(), LYN_ERROR_NONE);
     EXPECT_NO_THROW(service->StopScan());
@@ -139,6 +145,75 @@ TEST_P(ServiceVariants, WatchTheDeviceOnlyWhereTheyAreNodLink)
     using States = std::vector<lyn_state_e>;
     EXPECT_EQ(m_states, GetParam().watchesTheDevice ? States({LYN_STATE_NOT_READY}) : States());
     service->Deinit();
+}
+
+TEST_P(ServiceVariants, AreReachedByNoReportBeforeTheyAreOpen)
+{
+    const auto service = GetParam().make("a name", [this](lyn_state_e state) { m_states.push_back(state); });
+    service->Init();
+    service->StopScan();
+    EXPECT_TRUE(m_states.empty());
+    service->Open();
+    service->StopScan();
+    EXPECT_EQ(m_states, std::vector({LYN_STATE_READY}));
+    service->Deinit();
+}
+
+/// Notes which of the service's own operations a report of a part comes through.
+class ListeningService : public CDummyService {
+public:
+    explicit ListeningService(Texts& calls) : CDummyService("dummy", [](lyn_state_e) {}), m_calls(calls) {}
+
+    void OnStateChanged(lyn_state_e state) override
+    {
+        m_calls.push_back("OnStateChanged " + std::to_string(state));
+        CDummyService::OnStateChanged(state);
+    }
+    void OnDeviceFound(const lyn_device_info_t& info) override
+    {
+        m_calls.push_back("OnDeviceFound " + std::string(info.address));
+        CDummyService::OnDeviceFound(info);
+    }
+    void OnRequestResult(lyn_request_initiating_result_e result) override
+    {
+        m_calls.push_back("OnRequestResult " + std::to_string(result));
+        CDummyService::OnRequestResult(result);
+    }
+
+private:
+    Texts& m_calls;
+};
+
+class ReportsOfTheParts : public SimulatedTv {
+protected:
+    ReportsOfTheParts() : service(std::make_shared<ListeningService>(calls))
+    {
+        service->Init();
+        service->Open();
+    }
+    ~ReportsOfTheParts() override { service->Deinit(); }
+
+    Texts calls;
+    std::shared_ptr<ListeningService> service;
+};
+
+TEST_F(ReportsOfTheParts, ComeThroughTheServicesOwnOperations)
+{
+    service->StartScan([this](const lyn_device_info_t&) { calls.emplace_back("told"); });
+    service->RequestInitiating([this](lyn_request_initiating_result_e) { calls.emplace_back("told"); }, "id", "");
+    simulator::Settle();
+    EXPECT_EQ(calls,
+              Texts({"OnDeviceFound 11:22:33:44:55:66", "told", "OnStateChanged 1", "OnStateChanged 0",
+                     "OnStateChanged 0", "OnStateChanged 2", "OnRequestResult 0", "OnStateChanged 0", "told"}));
+}
+
+TEST_F(ReportsOfTheParts, EndWithTheService)
+{
+    service->RequestInitiating([this](lyn_request_initiating_result_e) { calls.emplace_back("told"); }, "id", "");
+    calls.clear();
+    service->Retire();
+    simulator::Settle();
+    EXPECT_EQ(calls, Texts());
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, ServiceVariants, ::testing::ValuesIn(kVariants),

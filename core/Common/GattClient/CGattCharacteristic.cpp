@@ -9,14 +9,19 @@
 
 namespace lyn {
 
-CGattCharacteristic::CGattCharacteristic(const std::string& uuid) : m_Uuid(uuid) {}
+CGattCharacteristic::CGattCharacteristic(const std::string& uuid, std::weak_ptr<void> keeper)
+    : m_Uuid(uuid),
+      m_Keeper(std::move(keeper))
+{
+}
 
 // A copy is another object for the platform's callbacks, so the token is not copied.
 CGattCharacteristic::CGattCharacteristic(const CGattCharacteristic& other)
     : m_hCharacteristic(other.m_hCharacteristic),
       m_WrietCompletedCb(other.m_WrietCompletedCb),
       m_CharacteristicValueChangedCb(other.m_CharacteristicValueChangedCb),
-      m_Uuid(other.m_Uuid)
+      m_Uuid(other.m_Uuid),
+      m_Keeper(other.m_Keeper)
 {
 }
 
@@ -27,6 +32,7 @@ CGattCharacteristic& CGattCharacteristic::operator=(const CGattCharacteristic& o
         m_WrietCompletedCb = other.m_WrietCompletedCb;
         m_CharacteristicValueChangedCb = other.m_CharacteristicValueChangedCb;
         m_Uuid = other.m_Uuid;
+        m_Keeper = other.m_Keeper;
     }
     return *this;
 }
@@ -41,15 +47,18 @@ bool CGattCharacteristic::Init(bt_gatt_h service, CharacteristicValueChangedCb c
         return false;
     }
     LYN_LOGD("uuid : %s", m_Uuid.c_str());
-    if (bt_gatt_service_get_characteristic(service, m_Uuid.c_str(), &m_hCharacteristic) != PLATFORM_OK) {
+    bt_gatt_h handle = nullptr;
+    if (bt_gatt_service_get_characteristic(service, m_Uuid.c_str(), &handle) != PLATFORM_OK) {
         LYN_LOGE("%s", "Failt to get chr handle");
         return false;
     }
+    m_hCharacteristic = handle;
     m_CharacteristicValueChangedCb = std::move(cb);
     if (bt_gatt_client_set_characteristic_value_changed_cb(m_hCharacteristic, ValueChangedTrampoline,
                                                            m_Live.UserData()) != PLATFORM_OK) {
         LYN_LOGE("%s", "fail to bt_gatt_client_set_characteristic_value_changed_cb");
         m_CharacteristicValueChangedCb = nullptr;
+        m_hCharacteristic = nullptr;
         return false;
     }
     return true;
@@ -139,7 +148,7 @@ void CGattCharacteristic::ValueChangedTrampoline(bt_gatt_h handle, char* value, 
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattCharacteristic>(userData, [&](CGattCharacteristic& characteristic) {
+    CallLive<CGattCharacteristic>(userData, [&](CGattCharacteristic& characteristic) {
         characteristic.OnCharateristicValueChaned(handle, value, length);
     });
 }
@@ -150,7 +159,7 @@ void CGattCharacteristic::WriteCompletedTrampoline(int result, bt_gatt_h handle,
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattCharacteristic>(
+    CallLive<CGattCharacteristic>(
         userData, [&](CGattCharacteristic& characteristic) { characteristic.OnWriteCompleted(result, handle); });
 }
 

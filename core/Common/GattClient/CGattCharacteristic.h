@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // One characteristic of a connected phone: its notifications and writes. Owned through a shared pointer
-// whose deleter calls Deinit() first. Everything here runs under the lock on live objects, and the object
-// may be destroyed from inside its own callbacks.
+// whose deleter calls Deinit() first. No lock: the owner's steps and the platform's callbacks come one at a time,
+// and the object may be destroyed from inside its own callbacks.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "Common/GattClient/GattCallbacks.h"
@@ -15,10 +16,13 @@ namespace lyn {
 class CGattCharacteristic {
 public:
     CGattCharacteristic() = default;
-    explicit CGattCharacteristic(const std::string& uuid);
+    /// @param keeper what keeps this object while a callback runs: the client that owns it
+    explicit CGattCharacteristic(const std::string& uuid, std::weak_ptr<void> keeper = {});
     CGattCharacteristic(const CGattCharacteristic& other);
     CGattCharacteristic& operator=(const CGattCharacteristic& other);
     ~CGattCharacteristic();
+
+    std::shared_ptr<void> Keep() const { return m_Keeper.lock(); }
 
     /// Looks the characteristic up and asks for its notifications. False when the phone has none such.
     bool Init(bt_gatt_h service, CharacteristicValueChangedCb cb);
@@ -42,7 +46,8 @@ private:
     CharacteristicWriteCompletedCb m_WrietCompletedCb;
     CharacteristicValueChangedCb m_CharacteristicValueChangedCb;
     std::string m_Uuid;
-    LiveObject<CGattCharacteristic> m_Live{this};
+    std::weak_ptr<void> m_Keeper;
+    LiveObject<CGattCharacteristic> m_Live{*this};
 };
 
 }  // namespace lyn

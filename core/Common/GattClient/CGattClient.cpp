@@ -6,15 +6,20 @@
 
 #include "Common/Failure.h"
 #include "Common/PlatformCodes.h"
+#include "Common/PlatformSlot.h"
 #include "lyn_service_log.h"
 
 namespace lyn {
 namespace {
 
-// The client that registered for connection states last, by its token; guarded by the lock on live
-// objects. The platform has one slot for the process, so a client that is released after another one has
-// registered leaves it alone.
-void* s_ConnectionStateOwner = nullptr;
+// Reports about links. The platform gives a report to the registration that was in force when the connect was
+// accepted: so a client that connects waits until a call of another thread has returned. Nobody else waits. Never
+// destroyed: the service that lives at process exit still needs it.
+PlatformSlot& LinkReports()
+{
+    static auto* const slot = new PlatformSlot;
+    return *slot;
+}
 
 void DeleteService(CGattService* service)
 {
@@ -38,7 +43,7 @@ bool CGattClient::Init(ConnectionStateChangedCb connectionStateChangedCb,
 
 bool CGattClient::Deinit()
 {
-    UnregisterConnectionState();
+    UnregisterLinkReports();
     m_ConnectionStateChangedCb = nullptr;
     m_CharacteristicValueChangedCb = nullptr;
     m_GattUuidMap.clear();
@@ -49,23 +54,17 @@ bool CGattClient::Deinit()
     return true;
 }
 
-int CGattClient::RegisterConnectionState()
+bool CGattClient::RegisterLinkReports()
 {
-    const int result = bt_gatt_set_connection_state_changed_cb(ConnectionStateTrampoline, m_Live.UserData());
-    if (result == PLATFORM_OK) {
-        s_ConnectionStateOwner = m_Live.UserData();
-    }
-    return result;
+    const auto result = LinkReports().Use(m_Live.Number(), [this] {
+        return bt_gatt_set_connection_state_changed_cb(ConnectionStateTrampoline, m_Live.UserData());
+    });
+    return result == PLATFORM_OK;
 }
 
-void CGattClient::UnregisterConnectionState()
+void CGattClient::UnregisterLinkReports()
 {
-    const bool isMine = s_ConnectionStateOwner == m_Live.UserData();
-    if (!isMine && LiveObject<CGattClient>::Find(s_ConnectionStateOwner) != nullptr) {
-        return;
-    }
-    s_ConnectionStateOwner = nullptr;
-    bt_gatt_unset_connection_state_changed_cb();
+    LinkReports().UseAtOnce(m_Live.Number(), [] { return bt_gatt_unset_connection_state_changed_cb(); });
 }
 
 void CGattClient::DestroyPlatformClient()
@@ -78,20 +77,21 @@ void CGattClient::DestroyPlatformClient()
 
 bool CGattClient::Connect(const std::string& address)
 {
-    std::string remoteAddress = address;  // What needs memory comes before what cannot be undone.
     m_ConnectAddress = std::make_shared<const std::string>(address);
-    m_RemoteAddress.clear();
     m_GattRetryCount = 0;
-    if (RegisterConnectionState() != PLATFORM_OK) {
+    // Before the attempt is begun: its end may be reported on another thread before this call ends.
+    m_RemoteAddress = address;
+    if (!RegisterLinkReports()) {
         LYN_LOGE("%s", "fail to bt_gatt_set_connection_state_changed_cb");
+        m_RemoteAddress.clear();
         return false;
     }
     if (bt_gatt_connect(address.c_str(), false) != PLATFORM_OK) {
-        UnregisterConnectionState();
+        UnregisterLinkReports();
         LYN_LOGE("fail to bt_gatt_connect to %s", address.c_str());
+        m_RemoteAddress.clear();
         return false;
     }
-    m_RemoteAddress = std::move(remoteAddress);
     return true;
 }
 
@@ -147,12 +147,8 @@ void CGattClient::OnMtuChanged(void* client, const bt_gatt_client_att_mtu_info_s
         LYN_LOGE("%s", "mtu changed for other client");
         return;
     }
-    void* const self = m_Live.UserData();
     const MtuChangedCb callback = m_MtuChangedCb;
     callback(client, info);
-    if (LiveObject<CGattClient>::Find(self) == nullptr) {
-        return;  // The callback has destroyed this client.
-    }
     if (m_hClient != nullptr) {  // Null when the callback has disconnected.
         bt_gatt_client_unset_att_mtu_changed_cb(m_hClient);
     }
@@ -175,7 +171,8 @@ bool CGattClient::RegisterGattServices()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
     for (const auto& [serviceUuid, characteristicUuids] : m_GattUuidMap) {
-        const std::shared_ptr<CGattService> service(new CGattService(serviceUuid), DeleteService);
+        const std::shared_ptr<CGattService> service(new CGattService(serviceUuid, weak_from_this()),
+                                                    DeleteService);
         if (!service->Init(m_hClient, characteristicUuids, m_CharacteristicValueChangedCb)) {
             UnRegisterGattSevices();
             throw LynExceptionOperationFailed("fail to register gatt service");
@@ -204,7 +201,7 @@ void CGattClient::OnConnectionStateChanged(int result, bool connected, const std
     const ConnectionStateChangedCb callback = m_ConnectionStateChangedCb;
     if (callback) {
         LYN_LOGI("%s", "forward callback to user");
-        callback(adjusted, connected, address);  // May destroy this client.
+        callback(adjusted, connected, address);
     }
 }
 
@@ -262,7 +259,7 @@ void CGattClient::OnGattDisconnected(int result, const std::string& address)
     UnRegisterGattSevices();
     m_RemoteAddress.clear();
     DestroyPlatformClient();
-    UnregisterConnectionState();
+    UnregisterLinkReports();
 }
 
 void CGattClient::ConnectionStateTrampoline(int result, bool connected, const char* address, void* userData)
@@ -275,7 +272,7 @@ void CGattClient::ConnectionStateTrampoline(int result, bool connected, const ch
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattClient>(userData, [&](CGattClient& client) {
+    CallLive<CGattClient>(userData, [&](CGattClient& client) {
         const std::shared_ptr<const std::string> known = client.m_ConnectAddress;
         if (known && *known == address) {
             client.OnConnectionStateChanged(result, connected, *known);
@@ -291,7 +288,7 @@ void CGattClient::MtuTrampoline(bt_gatt_client_h client, const bt_gatt_client_at
         LYN_LOGE("%s", "userData is nullptr");
         return;
     }
-    CallLocked<CGattClient>(userData, [&](CGattClient& self) { self.OnMtuChanged(client, info); });
+    CallLive<CGattClient>(userData, [&](CGattClient& self) { self.OnMtuChanged(client, info); });
 }
 
 }  // namespace lyn

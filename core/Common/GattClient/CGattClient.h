@@ -3,8 +3,8 @@
 // The connection to one phone's GATT server: connects (again at once after a failure, five times at
 // most), registers the wanted services and characteristics, asks for an MTU, writes.
 //
-// Runs under the lock on live objects, taken by the requester's calls and by the platform's callbacks.
-// The owner calls Deinit() before it destroys a client, and may do both from inside any callback.
+// No lock: a client is set up and connected by one thread, and from then on belongs to the platform's callbacks,
+// which come one at a time. A callback keeps the client; the last owner's deleter calls Deinit().
 #pragma once
 
 #include <map>
@@ -17,12 +17,14 @@
 
 namespace lyn {
 
-class CGattClient {
+class CGattClient : public std::enable_shared_from_this<CGattClient> {
 public:
     CGattClient() = default;
     ~CGattClient();
     CGattClient(const CGattClient&) = delete;
     CGattClient& operator=(const CGattClient&) = delete;
+
+    std::shared_ptr<void> Keep() { return weak_from_this().lock(); }
 
     bool Init(ConnectionStateChangedCb connectionStateChangedCb, CharacteristicValueChangedCb valueChangedCb,
               const GattUuidMap& uuidMap);
@@ -52,8 +54,8 @@ private:
     static void ConnectionStateTrampoline(int result, bool connected, const char* address, void* userData);
     static void MtuTrampoline(bt_gatt_client_h client, const bt_gatt_client_att_mtu_info_s* info, void* userData);
 
-    int RegisterConnectionState();
-    void UnregisterConnectionState();
+    bool RegisterLinkReports();
+    void UnregisterLinkReports();
     void DestroyPlatformClient();
     /// False when a retry is under way, whose end will be reported.
     bool UpdateConnection(int result, bool connected, const std::string& address);
@@ -68,7 +70,7 @@ private:
     std::shared_ptr<const std::string> m_ConnectAddress;  ///< Of the last Connect(): a report needs no memory.
     int m_GattRetryCount = 0;
     int m_MaxGattRetryCount = 5;
-    LiveObject<CGattClient> m_Live{this};
+    LiveObject<CGattClient> m_Live{*this};
 };
 
 }  // namespace lyn

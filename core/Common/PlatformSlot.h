@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+
+namespace lyn {
+
+/// Something that the platform has once for the process: its scan, its registration for reports about links. The
+/// newest user wins: a call of an older one, which a destruction has overtaken, is left out. One call at a time,
+/// made without a lock.
+class PlatformSlot {
+public:
+    /// Makes `call()`, which returns the platform's result, when a call of another thread has returned.
+    /// @param user a number, greater than those of earlier users
+    /// @return none when a newer user has been here
+    template <typename Call>
+    std::optional<int> Use(std::uintptr_t user, const Call& call)
+    {
+        std::unique_lock lock(m_Mutex);
+        m_Returned.wait(lock, [&] { return !m_bInUse; });
+        return Make(lock, user, call);
+    }
+
+    /// The same, without waiting: none also while another thread makes a call.
+    template <typename Call>
+    std::optional<int> UseAtOnce(std::uintptr_t user, const Call& call)
+    {
+        std::unique_lock lock(m_Mutex);
+        return m_bInUse ? std::nullopt : Make(lock, user, call);
+    }
+
+    /// True when a newer user has been here.
+    bool IsLost(std::uintptr_t user) const
+    {
+        const std::lock_guard lock(m_Mutex);
+        return user < m_Newest;
+    }
+
+private:
+    template <typename Call>
+    std::optional<int> Make(std::unique_lock<std::mutex>& lock, std::uintptr_t user, const Call& call)
+    {
+        if (user < m_Newest) {
+            return std::nullopt;
+        }
+        m_Newest = user;
+        m_bInUse = true;
+        lock.unlock();
+        const int result = call();
+        lock.lock();
+        m_bInUse = false;
+        m_Returned.notify_all();
+        return result;
+    }
+
+    mutable std::mutex m_Mutex;
+    std::condition_variable m_Returned;
+    std::uintptr_t m_Newest = 0;
+    bool m_bInUse = false;
+};
+
+}  // namespace lyn
