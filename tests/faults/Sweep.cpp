@@ -10,11 +10,10 @@
 #include "faults/Endings.h"
 #include "faults/Expectations.h"
 #include "lyn_simulator/simulator.h"
+#include "support/LastWords.h"
 
 namespace lyn::test {
 namespace {
-
-std::array<char, 512> g_currentRun{};
 
 /// One platform call of a good story.
 struct Point {
@@ -88,11 +87,6 @@ const char* NameOf(Kind kind)
     return "";
 }
 
-const char* CurrentRun()
-{
-    return g_currentRun.data();
-}
-
 Count Sweep::Run(const Scenario& scenario)
 {
     m_scenario = &scenario;
@@ -115,8 +109,7 @@ Count Sweep::Run(const Scenario& scenario)
 void Sweep::Begin(int nth, const std::string& what)
 {
     m_nth = nth;
-    std::snprintf(g_currentRun.data(), g_currentRun.size(), "%s, %s: %s: %s", m_scenario->service.c_str(),
-                  m_scenario->name.c_str(), NameOf(m_kind), what.c_str());
+    SayWhatIsDone(m_scenario->service + ", " + m_scenario->name + ": " + NameOf(m_kind) + ": " + what);
     simulator::Reset();
     simulator::SetLogCapture(7);
     simulator::SetJournal(false);
@@ -128,7 +121,7 @@ void Sweep::Complain(const std::string& problem)
     ++m_count.failures;
     std::printf(
         "\nFAILED  %s\n%s\n        again: fault_sweep --kind %s --service %s --scenario \"%s\" --nth %d\n\n",
-        CurrentRun(), problem.c_str(), NameOf(m_kind), m_scenario->service.c_str(), m_scenario->name.c_str(),
+        WhatIsDone(), problem.c_str(), NameOf(m_kind), m_scenario->service.c_str(), m_scenario->name.c_str(),
         m_nth);
 }
 

@@ -62,7 +62,4 @@ private:
     std::set<std::tuple<std::string, Way, int>> m_done;
 };
 
-/// What the process is doing now, for the last words of one that dies.
-const char* CurrentRun();
-
 }  // namespace lyn::test

@@ -7,23 +7,18 @@
 #include <glib.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
-#include <exception>
 #include <string>
 #include <vector>
 
 #include "faults/Sweep.h"
 #include "lyn_simulator/simulator.h"
+#include "support/LastWords.h"
 
 // Where there is a sanitizer.
-extern "C" {
-void __sanitizer_set_death_callback(void (*callback)()) __attribute__((weak));
-int __lsan_do_recoverable_leak_check() __attribute__((weak));
-}
+extern "C" int __lsan_do_recoverable_leak_check() __attribute__((weak));
 
 namespace {
 
@@ -84,33 +79,6 @@ Options Read(int argc, char** argv)
     return options;
 }
 
-void SayLastWords()
-{
-    constexpr const char* words = "\nDIED in  ";
-    const char* run = lyn::test::CurrentRun();
-    const bool isSaid = write(STDERR_FILENO, words, std::strlen(words)) >= 0 &&
-                        write(STDERR_FILENO, run, std::strlen(run)) >= 0 && write(STDERR_FILENO, "\n", 1) >= 0;
-    static_cast<void>(isSaid);
-}
-
-void OnFatalSignal(int signal)
-{
-    SayLastWords();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-}
-
-/// A process that dies in a run says in which.
-void PrepareLastWords()
-{
-    if (__sanitizer_set_death_callback != nullptr) {
-        __sanitizer_set_death_callback(SayLastWords);
-    } else {
-        std::signal(SIGSEGV, OnFatalSignal);
-    }
-    std::signal(SIGABRT, OnFatalSignal);
-}
-
 double Seconds()
 {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
@@ -159,7 +127,7 @@ int main(int argc, char** argv)
 {
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL));
     const Options options = Read(argc, argv);
-    PrepareLastWords();
+    lyn::test::PrepareLastWords();
     const double begin = Seconds();
     Count total;
     std::printf("%-10s %-46s %-9s %6s %6s %8s %8s %6s\n", "service", "scenario", "fault", "points", "runs",
