@@ -4,12 +4,14 @@
 // and its exceptions turned into codes.
 #include "lyn_service.h"
 
+#include <json/value.h>
+
 #include <array>
 #include <stdexcept>
 #include <string>
 
 #include "Common/Failure.h"
-#include "Service/DeviceText.h"
+#include "Common/JsonText.h"
 #include "Service/ServiceManager.h"
 #include "lyn_service_log.h"
 
@@ -45,6 +47,18 @@ std::string TextOf(const char* text, const char* what)
         throw std::logic_error(std::string(what) + " is a null pointer");
     }
     return text;
+}
+
+std::string SerializeDevice(const lyn_device_info_t& device)
+{
+    const auto orEmpty = [](const char* text) { return text != nullptr ? text : ""; };
+    Json::Value members;
+    members["Name"] = orEmpty(device.name);
+    members["Address"] = orEmpty(device.address);
+    members["UniqueID"] = orEmpty(device.unique_id);
+    members["ExtraData"] = orEmpty(device.extra_data);
+    members["RSSI"] = device.rssi;
+    return ToJsonText(members);
 }
 
 // Returned to the caller until this thread's next call: a copy made at once reads the right text. Needs no

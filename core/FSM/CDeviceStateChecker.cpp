@@ -81,12 +81,6 @@ void CDeviceStateChecekr::Deinit()
     s_Registered.Replace(m_Live.Number(), 0, Register);
 }
 
-bool CDeviceStateChecekr::IsEnableState() const
-{
-    const std::lock_guard lock(m_Mutex);
-    return m_Enabled;
-}
-
 void CDeviceStateChecekr::UpdateCurrentPowerState()
 {
     m_PowerState = device_power_get_state();
@@ -108,47 +102,36 @@ void CDeviceStateChecekr::InitEnableState()
 {
     const bool bluetoothEnabled = m_BluetoothAdapterState == ADAPTER_ENABLED;
     const bool validPowerState = IsValidPowerState(m_PowerState);
-    {
-        const std::lock_guard lock(m_Mutex);
-        m_Enabled = bluetoothEnabled && validPowerState;
-    }
+    m_Enabled = bluetoothEnabled && validPowerState;
     LYN_LOGI("bluetoothEnabled : %d, vaildPowerState %d", static_cast<int>(bluetoothEnabled),
              static_cast<int>(validPowerState));
 }
 
-CDeviceStateChecekr::Change CDeviceStateChecekr::Enable(bool enabled)
+void CDeviceStateChecekr::UpdateEnabledState(bool enabled)
+{
+    if (IsTooEarly(enabled)) {
+        return;
+    }
+    if (enabled == m_Enabled) {
+        LYN_LOGE("%s", "same enabled state");
+        return;
+    }
+    if (!m_DeviceStateChangedCallback) {
+        LYN_LOGE("%s", "callback is null");
+        return;
+    }
+    m_Enabled = enabled;
+    LYN_LOGI("enabled : %d", static_cast<int>(enabled));
+    m_DeviceStateChangedCallback(enabled);
+}
+
+bool CDeviceStateChecekr::IsTooEarly(bool enabled)
 {
     const std::lock_guard lock(m_Mutex);
     if (!m_Started) {
         m_EnabledMeanwhile = enabled;
-        return Change::later;
     }
-    if (enabled == m_Enabled) {
-        return Change::none;
-    }
-    if (!m_DeviceStateChangedCallback) {
-        return Change::unheard;
-    }
-    m_Enabled = enabled;
-    return Change::made;
-}
-
-void CDeviceStateChecekr::UpdateEnabledState(bool enabled)
-{
-    switch (Enable(enabled)) {
-    case Change::later:
-        return;
-    case Change::none:
-        LYN_LOGE("%s", "same enabled state");
-        return;
-    case Change::unheard:
-        LYN_LOGE("%s", "callback is null");
-        return;
-    case Change::made:
-        break;
-    }
-    LYN_LOGI("enabled : %d", static_cast<int>(enabled));
-    m_DeviceStateChangedCallback(enabled);
+    return !m_Started;
 }
 
 void CDeviceStateChecekr::OnBluetoothAdapterStateChanged(int state)

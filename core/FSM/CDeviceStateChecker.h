@@ -36,7 +36,7 @@ public:
     void Start();
     /// Ends the registrations, unless another checker has taken them over since.
     void Deinit();
-    bool IsEnableState() const;
+    bool IsEnableState() const { return m_Enabled; }
     std::shared_ptr<void> Keep() { return weak_from_this().lock(); }
 
     static void BluetoothAdapterStateChangedCb(int result, bt_adapter_state_e state, void* userData);
@@ -48,23 +48,22 @@ public:
     void OnAmbientPowerOffEvent();
 
 private:
-    enum class Change { none, made, unheard, later };
-
     static bool Register(std::uintptr_t number);
     static gboolean StartLate(gpointer userData);
     void UpdateCurrentPowerState();
     void UpdateCurrentBluetoothAdapterState();
     void InitEnableState();
     void UpdateEnabledState(bool enabled);
-    Change Enable(bool enabled);
+    /// Keeps it for Start().
+    bool IsTooEarly(bool enabled);
 
-    mutable std::mutex m_Mutex;  ///< Guards the flags, which threads of the platform change during Init().
-    bool m_Enabled = false;
-    bool m_Started = false;
-    std::optional<bool> m_EnabledMeanwhile;  ///< What was reported before Start().
+    bool m_Enabled = false;  ///< The creator's until Start(), the platform's callbacks' afterwards.
     int m_PowerState = 0;
     std::atomic<int> m_BluetoothAdapterState{0};
     DeviceStateChangedCallbck m_DeviceStateChangedCallback;
+    std::mutex m_Mutex;  ///< Guards these two.
+    bool m_Started = false;
+    std::optional<bool> m_EnabledMeanwhile;  ///< What was reported before Start().
     LiveObject<CDeviceStateChecekr> m_Live{*this};
 };
 

@@ -32,9 +32,12 @@ lyn_error_e CNodLinkServiceFSM::Init(StateChangedCb stateChangedCb)
         // No callback is stored yet, so this throws: a service that cannot serve is not created.
         TransitState(LYN_STATE_NOT_READY);
     }
-    const lyn_error_e result = CServiceFSM::Init(std::move(stateChangedCb));
+    return CServiceFSM::Init(std::move(stateChangedCb));
+}
+
+void CNodLinkServiceFSM::Start()
+{
     m_pDeviceStateChecker->Start();
-    return result;
 }
 
 void CNodLinkServiceFSM::OnDeviceEnableStateChaned(bool enabled)

@@ -19,6 +19,7 @@ public:
     /// Must be held by a shared pointer. Throws LynExceptionInternal "m_StateChangedCb is nullptr" when the
     /// device is not enabled.
     lyn_error_e Init(StateChangedCb stateChangedCb) override;
+    void Start() override;
 
     void OnDeviceEnableStateChaned(bool enabled);
 

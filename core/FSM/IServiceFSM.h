@@ -20,6 +20,8 @@ public:
 
     virtual lyn_error_e Init(StateChangedCb stateChangedCb) = 0;
     virtual lyn_error_e Deinit() = 0;
+    /// The service is in place: what the machine watches by itself is reported from now on.
+    virtual void Start() {}
     /// Throws LynExceptionInvalidState for an event that the state refuses, and what the work throws; the
     /// state then stays.
     virtual void ProcessEvent(LynFsmEvent event, const EventArgPtr& arg) = 0;

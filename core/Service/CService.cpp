@@ -126,6 +126,9 @@ void CService::Open()
 {
     m_pSelf->service = std::static_pointer_cast<CService>(shared_from_this());
     m_pSelf->isOpen = true;
+    if (m_pFsm) {
+        m_pFsm->Start();
+    }
 }
 
 void CService::Retire()

@@ -14,11 +14,12 @@
 #include <mutex>
 #include <string>
 
+#include "Common/PlatformCodes.h"
 #include "FSM/IServiceFSM.h"
 #include "Requester/CRequester.h"
 #include "Scanner/IScanner.h"
-#include "Service/BtProduct.h"
 #include "Service/IService.h"
+#include "lyn_platform/bluetooth.h"
 
 namespace lyn {
 
@@ -72,14 +73,16 @@ protected:
     template <typename Scanner, typename Requester, typename InitFsm>
     lyn_error_e InitVariant(const InitFsm& initFsm)
     {
-        BtProduct product;
-        if (!product.IsReady()) {
+        if (bt_product_init() != PLATFORM_OK) {
+            LYN_LOGE("%s", "fail to bt_product_init");
             return LYN_ERROR_INTERNAL;
         }
+        const auto giveBack = [](CService*) { bt_product_deinit(); };
+        std::unique_ptr<CService, decltype(giveBack)> product(this, giveBack);
         SetScanner(new Scanner(DeviceFoundReport(), ScanStateReport()));
         SetRequester(new Requester(RequestResultReport()));
         const lyn_error_e result = initFsm();
-        product.Keep();
+        product.release();  // From now on Deinit() gives it back.
         return result;
     }
 

@@ -24,7 +24,9 @@ protected:
 
     lyn_error_e Init()
     {
-        return machine->Init([this](lyn_state_e state) { reports.push_back(state); });
+        const lyn_error_e result = machine->Init([this](lyn_state_e state) { reports.push_back(state); });
+        machine->Start();
+        return result;
     }
 
     void Enter(lyn_state_e state)

@@ -4,6 +4,8 @@
 // request has still to say does not reach the request after it.
 #include <glib.h>
 
+#include <thread>
+
 #include "lifetime/Lives.h"
 #include "support/Clock.h"
 
@@ -55,6 +57,31 @@ TEST_F(ARequestThatWasLeftBehind, DoesNotEndTheNextWithItsAnswer)
     ASSERT_THAT(app.results, ::testing::IsEmpty());  // The answer is on its way to the application.
 
     EXPECT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
+    EXPECT_TRUE(app.WaitForResult());
+    ExpectNothingLeft();
+    EXPECT_EQ(app.results, std::vector({LYN_REQUEST_INITIATING_RESULT_SUCCESS}));
+}
+
+// The next request is made by another thread while the main loop is on its way to the application.
+TEST_F(ARequestThatWasLeftBehind, DoesNotEndTheNextFromTheMiddleOfItsDelivery)
+{
+    AddPhoneThatAnswers({"NotTap", "Success"});
+    App& app = Begin("nodlink");
+    EXPECT_EQ(app.Request(kPhone), LYN_ERROR_NONE);
+    EXPECT_TRUE(simulator::RunUntil([] { return CountCalls("bt_gatt_disconnect") == 1; }));
+    SleepAndWake(app);
+
+    bool isAsked = false;
+    simulator::SetCallListener([&](const simulator::CallMoment& moment) {
+        if (!isAsked && moment.text.find("result : NotTap") != std::string::npos) {
+            isAsked = true;
+            std::thread([&app] { EXPECT_EQ(app.Request(kPhone), LYN_ERROR_NONE); }).join();
+        }
+    });
+    EXPECT_TRUE(simulator::RunUntil([&] { return isAsked; }));
+    simulator::SetCallListener({});
+    EXPECT_THAT(app.results, ::testing::IsEmpty());
+    EXPECT_EQ(app.states.back(), LYN_STATE_REQUESTING);
     EXPECT_TRUE(app.WaitForResult());
     ExpectNothingLeft();
     EXPECT_EQ(app.results, std::vector({LYN_REQUEST_INITIATING_RESULT_SUCCESS}));

@@ -137,8 +137,9 @@ TEST_P(ServiceVariants, CanBeMadeWithoutNameAndCallback)
 
 TEST_P(ServiceVariants, WatchTheDeviceOnlyWhereTheyAreNodLink)
 {
-    const auto service = Make();
+    const auto service = GetParam().make("a name", [this](lyn_state_e state) { m_states.push_back(state); });
     service->Init();
+    service->Open();
     EXPECT_EQ(simulator::Alive().registrations, GetParam().watchesTheDevice ? 3 : 0);
     simulator::SetAdapterState(BT_ADAPTER_DISABLED);
     simulator::Settle();
