@@ -31,16 +31,16 @@ const std::array<Exception, kExceptions> s_exceptions = {{
     {"while a state is written and reported", "what moves the state from the main loop",
      [](const Place& place) { return place.reportsState; },
      [](Work work, bool) { return work == Work::movingReport; }},
-    {"at the one registration of link reports", "a request, of the next service too", IsAtLinkRegistration,
-     [](Work work, bool) { return work == Work::request; }},
+    {"registering for link reports, and connecting then", "a request, of the next service too",
+     IsAtLinkRegistration, [](Work work, bool) { return work == Work::request; }},
     {"at the platform's one scan", "these three, of the next service too", IsAtScan,
      [](Work work, bool) { return IsOneOfThree(work); }},
 }};
 
 bool IsAtLinkRegistration(const Place& place)
 {
-    return BeginsWithOneOf(
-        place.what, {"bt_gatt_set_connection_state_changed_cb", "bt_gatt_unset_connection_state_changed_cb"});
+    return BeginsWithOneOf(place.what, {"bt_gatt_set_connection_state_changed_cb",
+                                        "bt_gatt_unset_connection_state_changed_cb", "bt_gatt_connect"});
 }
 
 bool IsAtScan(const Place& place)

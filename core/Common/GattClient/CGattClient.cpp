@@ -12,9 +12,10 @@
 namespace lyn {
 namespace {
 
-// Reports about links. The platform gives a report to the registration that was in force when the connect was
-// accepted: so a client that connects waits until a call of another thread has returned. Nobody else waits. Never
-// destroyed: the service that lives at process exit still needs it.
+// Reports about links. The platform gives a report to the registration that is in force when the connect is
+// accepted, so both are one use: a client that connects waits for that of another thread, and connects under its
+// own registration or not at all. Nobody else waits. Never destroyed: the service that lives at process exit still
+// needs it.
 PlatformSlot& LinkReports()
 {
     static auto* const slot = new PlatformSlot;
@@ -54,14 +55,6 @@ bool CGattClient::Deinit()
     return true;
 }
 
-bool CGattClient::RegisterLinkReports()
-{
-    const auto result = LinkReports().Use(m_Live.Number(), [this] {
-        return bt_gatt_set_connection_state_changed_cb(ConnectionStateTrampoline, m_Live.UserData());
-    });
-    return result == PLATFORM_OK;
-}
-
 void CGattClient::UnregisterLinkReports()
 {
     LinkReports().UseAtOnce(m_Live.Number(), [] { return bt_gatt_unset_connection_state_changed_cb(); });
@@ -81,25 +74,35 @@ bool CGattClient::Connect(const std::string& address)
     m_GattRetryCount = 0;
     // Before the attempt is begun: its end may be reported on another thread before this call ends.
     m_RemoteAddress = address;
-    if (!RegisterLinkReports()) {
-        LYN_LOGE("%s", "fail to bt_gatt_set_connection_state_changed_cb");
+    const auto result = LinkReports().Use(m_Live.Number(), [&] { return RegisterAndConnect(address.c_str()); });
+    if (result != PLATFORM_OK) {
         m_RemoteAddress.clear();
-        return false;
     }
-    if (bt_gatt_connect(address.c_str(), false) != PLATFORM_OK) {
-        UnregisterLinkReports();
-        LYN_LOGE("fail to bt_gatt_connect to %s", address.c_str());
-        m_RemoteAddress.clear();
-        return false;
+    return result == PLATFORM_OK;
+}
+
+int CGattClient::RegisterAndConnect(const char* address)
+{
+    constexpr const char* operation = "Connect";
+    int result = bt_gatt_set_connection_state_changed_cb(ConnectionStateTrampoline, m_Live.UserData());
+    if (result != PLATFORM_OK) {
+        LYN_LOGE_AS(operation, "%s", "fail to bt_gatt_set_connection_state_changed_cb");
+        return result;
     }
-    return true;
+    result = bt_gatt_connect(address, false);
+    if (result != PLATFORM_OK) {
+        bt_gatt_unset_connection_state_changed_cb();
+        LYN_LOGE_AS(operation, "fail to bt_gatt_connect to %s", address);
+    }
+    return result;
 }
 
 bool CGattClient::RetryConnect(const std::string& address)
 {
     if (m_GattRetryCount < m_MaxGattRetryCount) {
         ++m_GattRetryCount;
-        if (bt_gatt_connect(address.c_str(), false) == PLATFORM_OK) {
+        const auto connect = [&] { return bt_gatt_connect(address.c_str(), false); };
+        if (LinkReports().UseAtOnce(m_Live.Number(), connect) == PLATFORM_OK) {
             LYN_LOGE("133 error, try again, m_GattRetryCount : %d, address : %s ", m_GattRetryCount,
                      address.c_str());
             return true;

@@ -54,7 +54,7 @@ private:
     static void ConnectionStateTrampoline(int result, bool connected, const char* address, void* userData);
     static void MtuTrampoline(bt_gatt_client_h client, const bt_gatt_client_att_mtu_info_s* info, void* userData);
 
-    bool RegisterLinkReports();
+    int RegisterAndConnect(const char* address);
     void UnregisterLinkReports();
     void DestroyPlatformClient();
     /// False when a retry is under way, whose end will be reported.
