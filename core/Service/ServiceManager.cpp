@@ -43,10 +43,10 @@ void CheckHandle(lyn_service_h handle, const char* function = __builtin_FUNCTION
 
 CServiceManager::CServiceManager() = default;
 
-// An object that is destroyed after this one may still call: it finds no service.
+// Other threads, and objects that are destroyed after this one, may still call: they find no service, and create none.
 CServiceManager::~CServiceManager()
 {
-    if (const auto service = std::exchange(m_pService, nullptr)) {
+    if (const auto service = End()) {
         service->Retire();
     }
 }
@@ -79,7 +79,7 @@ void* CServiceManager::CreateService(const std::string& name, const StateChanged
 bool CServiceManager::Reserve()
 {
     const std::lock_guard lock(m_Mutex);
-    if (m_pService || m_bCreating) {
+    if (m_pService || m_bCreating || m_bEnded) {
         return false;
     }
     m_bCreating = true;
@@ -89,8 +89,17 @@ bool CServiceManager::Reserve()
 void CServiceManager::Occupy(const std::shared_ptr<IService>& service)
 {
     const std::lock_guard lock(m_Mutex);
-    m_pService = service;
     m_bCreating = false;
+    if (!m_bEnded) {
+        m_pService = service;
+    }
+}
+
+std::shared_ptr<IService> CServiceManager::End()
+{
+    const std::lock_guard lock(m_Mutex);
+    m_bEnded = true;
+    return std::exchange(m_pService, nullptr);
 }
 
 void CServiceManager::DestroyService(lyn_service_h handle)

@@ -46,9 +46,11 @@ private:
     void Occupy(const std::shared_ptr<IService>& service);
     std::shared_ptr<IService> Take(lyn_service_h handle);
     std::shared_ptr<IService> Find(lyn_service_h handle);
+    std::shared_ptr<IService> End();
 
     std::shared_ptr<IService> m_pService;
     bool m_bCreating = false;
+    bool m_bEnded = false;  ///< The process ends.
     std::recursive_mutex m_Mutex;
 };
 
