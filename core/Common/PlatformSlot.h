@@ -21,16 +21,16 @@ public:
     std::optional<int> Use(std::uintptr_t user, const Call& call)
     {
         std::unique_lock lock(m_Mutex);
-        m_Returned.wait(lock, [&] { return !m_bInUse; });
+        m_Returned.wait(lock, [&] { return m_Calls == 0; });
         return Make(lock, user, call);
     }
 
-    /// The same, without waiting: none also while another thread makes a call.
+    /// The same, without waiting: none also while a call of another user is made.
     template <typename Call>
     std::optional<int> UseAtOnce(std::uintptr_t user, const Call& call)
     {
         std::unique_lock lock(m_Mutex);
-        return m_bInUse ? std::nullopt : Make(lock, user, call);
+        return m_Calls > 0 && user != m_Newest ? std::nullopt : Make(lock, user, call);
     }
 
     /// True when a newer user has been here.
@@ -48,11 +48,11 @@ private:
             return std::nullopt;
         }
         m_Newest = user;
-        m_bInUse = true;
+        ++m_Calls;
         lock.unlock();
         const int result = call();
         lock.lock();
-        m_bInUse = false;
+        --m_Calls;
         m_Returned.notify_all();
         return result;
     }
@@ -60,7 +60,7 @@ private:
     mutable std::mutex m_Mutex;
     std::condition_variable m_Returned;
     std::uintptr_t m_Newest = 0;
-    bool m_bInUse = false;
+    int m_Calls = 0;  ///< More than one only of the newest user.
 };
 
 }  // namespace lyn

@@ -43,7 +43,8 @@ void CheckHandle(lyn_service_h handle, const char* function = __builtin_FUNCTION
 
 CServiceManager::CServiceManager() = default;
 
-// Other threads, and objects that are destroyed after this one, may still call: they find no service, and create none.
+// Other threads, and objects that are destroyed after this one, may still call: they find no service, and create
+// none.
 CServiceManager::~CServiceManager()
 {
     if (const auto service = End()) {

@@ -69,7 +69,7 @@ std::optional<Reason> ReasonOf(const Actor& waiting, const Actor& holder)
     }
     const bool isRequest = isWork && inner.what >= What::request;
     if (isRequest && IsInOneOf(holder, {"bt_gatt_set_connection_state_changed_cb",
-                                        "bt_gatt_unset_connection_state_changed_cb"})) {
+                                        "bt_gatt_unset_connection_state_changed_cb", "bt_gatt_connect"})) {
         return Reason::registration;
     }
     return std::nullopt;
