@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -33,13 +32,6 @@ public:
         return m_Calls > 0 && user != m_Newest ? std::nullopt : Make(lock, user, call);
     }
 
-    /// True when a newer user has been here.
-    bool IsLost(std::uintptr_t user) const
-    {
-        const std::lock_guard lock(m_Mutex);
-        return user < m_Newest;
-    }
-
 private:
     template <typename Call>
     std::optional<int> Make(std::unique_lock<std::mutex>& lock, std::uintptr_t user, const Call& call)
@@ -48,16 +40,31 @@ private:
             return std::nullopt;
         }
         m_Newest = user;
-        ++m_Calls;
-        lock.unlock();
-        const int result = call();
-        lock.lock();
-        --m_Calls;
-        m_Returned.notify_all();
-        return result;
+        const CallInProgress inProgress(*this, lock);
+        return call();
     }
 
-    mutable std::mutex m_Mutex;
+    /// Ends also when the thread is cancelled in the call.
+    struct CallInProgress {
+        CallInProgress(PlatformSlot& theSlot, std::unique_lock<std::mutex>& theLock) : slot(theSlot), lock(theLock)
+        {
+            ++slot.m_Calls;
+            lock.unlock();
+        }
+        ~CallInProgress()
+        {
+            lock.lock();
+            --slot.m_Calls;
+            slot.m_Returned.notify_all();
+        }
+        CallInProgress(const CallInProgress&) = delete;
+        CallInProgress& operator=(const CallInProgress&) = delete;
+
+        PlatformSlot& slot;
+        std::unique_lock<std::mutex>& lock;
+    };
+
+    std::mutex m_Mutex;
     std::condition_variable m_Returned;
     std::uintptr_t m_Newest = 0;
     int m_Calls = 0;  ///< More than one only of the newest user.

@@ -42,7 +42,7 @@ private:
         if (m_Wished == m_Told) {
             return false;
         }
-        m_Telling = true;
+        const Telling telling{lock, m_Telling};
         while (m_Wished != m_Told) {
             const Value value = m_Wished;
             lock.unlock();
@@ -54,9 +54,28 @@ private:
                 m_Wished = m_Told;
             }
         }
-        m_Telling = false;
         return true;
     }
+
+    /// Ends also when the thread is cancelled in the platform.
+    struct Telling {
+        Telling(std::unique_lock<std::mutex>& theLock, bool& theFlag) : lock(theLock), flag(theFlag)
+        {
+            flag = true;
+        }
+        ~Telling()
+        {
+            if (!lock.owns_lock()) {
+                lock.lock();
+            }
+            flag = false;
+        }
+        Telling(const Telling&) = delete;
+        Telling& operator=(const Telling&) = delete;
+
+        std::unique_lock<std::mutex>& lock;
+        bool& flag;
+    };
 
     std::mutex m_Mutex;
     Value m_Wished{};

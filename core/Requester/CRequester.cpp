@@ -242,7 +242,7 @@ void CRequester::OnGattDisConnected(Exchange& exchange, int result, const std::s
 void CRequester::FinishAndDisconnect(Exchange& exchange)
 {
     exchange.m_bRequestDone = true;
-    if (exchange.m_GattClient) {
+    if (exchange.m_GattClient && IsLatest(exchange)) {
         exchange.m_GattClient->Disconnect();
     }
 }
@@ -259,29 +259,29 @@ void CRequester::Fail(Exchange& exchange, const std::exception& why, const char*
 
 void CRequester::NotifyRequestResult(Exchange& exchange, const std::string& result)
 {
+    if (!IsLatest(exchange)) {
+        return;
+    }
     LynUtil::SetBtPerformanceBoost(false);
     exchange.DisarmTimeout();
     if (!m_RequestResultCallback) {
         LYN_LOGE("%s", "m_RequestResultCallback is NULL");
         return;
     }
-    std::string text = RESULT_GATT_FAIL;  // Short enough to need no memory.
     try {
-        text = result;
+        exchange.m_Result = result;
     } catch (const std::bad_alloc& e) {
         LYN_LOGE("exception : %s", e.what());
-    }
-    {
-        const std::lock_guard lock(m_Mutex);
-        exchange.m_Result.swap(text);
+        exchange.m_Result = RESULT_GATT_FAIL;  // Short enough to need no memory.
     }
     g_idle_add(DeliverResult, exchange.UserData());
 }
 
 gboolean CRequester::DeliverResult(gpointer userData)
 {
-    CallLive<Exchange>(userData, [](Exchange& exchange) {
-        Exchange::Step(exchange.Number(), [](CRequester& self, Exchange& own) { self.Deliver(own); });
+    RunGuarded([&] {
+        Exchange::Step(reinterpret_cast<std::uintptr_t>(userData),
+                       [](CRequester& self, Exchange& own) { self.Deliver(own); });
     });
     return G_SOURCE_REMOVE;
 }

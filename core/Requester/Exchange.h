@@ -45,9 +45,9 @@ public:
     std::shared_ptr<CGattClient> m_GattClient;
     bool m_bRequestDone = false;  ///< Ended on this side, so that the disconnection that follows is no failure.
     std::atomic<int> m_NodlinkType{0};
+    std::string m_Result;
 
     // Guarded by the requester's lock.
-    std::string m_Result;
     bool m_bCallEnded = false;
     bool m_bResultWaits = false;  ///< For the end of the call.
 

@@ -32,11 +32,13 @@ CPhoneScanner::CPhoneScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb sca
 bool CPhoneScanner::StartScan()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    if (bt_adapter_le_set_scan_mode(0) != PLATFORM_OK) {
-        LYN_LOGE("%s", "bt_adapter_le_set_scan_mode");
-        return false;
-    }
-    return StartPlatformScan();
+    return UseScan([this, function = __func__] {
+        if (bt_adapter_le_set_scan_mode(0) != PLATFORM_OK) {
+            LYN_LOGE_AS(function, "%s", "bt_adapter_le_set_scan_mode");
+            return false;
+        }
+        return StartPlatformScan(function);
+    });
 }
 
 bool CPhoneScanner::StopScan()

@@ -52,11 +52,15 @@ void CScanner::StartAdvertisement(int interval)
 void CScanner::StopAdvertisement()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    if (!m_bAdvertising) {
+    if (!m_bAdvertising.exchange(false)) {
         return;
     }
-    SetBleAdvertisementInterval(0);
-    m_bAdvertising = false;
+    try {
+        SetBleAdvertisementInterval(0);
+    } catch (...) {
+        m_bAdvertising = true;  // The next stop tries again.
+        throw;
+    }
 }
 
 void CScanner::NotifyDeviceFound(const std::string& name, const std::string& address, const std::string& uniqueId,
@@ -165,19 +169,19 @@ void CScanner::Drop(const Rejection& rejection, const char* function)
     }
 }
 
+bool CScanner::UseScan(const std::function<bool()>& use)
+{
+    const auto result = Scan().Use(m_Live.Number(), [&] { return use() ? PLATFORM_OK : PLATFORM_OK + 1; });
+    return result.value_or(PLATFORM_OK) == PLATFORM_OK;
+}
+
 bool CScanner::StartPlatformScan(const char* function)
 {
-    if (Scan().IsLost(m_Live.Number())) {
-        return true;  // A later service has the scan; this one is destroyed.
-    }
     LynUtil::SetBtPerformanceBoost(true);
-    const auto result = Scan().Use(
-        m_Live.Number(), [this] { return bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData()); });
+    const int result = bt_adapter_le_start_scan(ScanResultTrampoline, m_Live.UserData());
     if (result != PLATFORM_OK) {
         LynUtil::SetBtPerformanceBoost(false);
-    }
-    if (result.value_or(PLATFORM_OK) != PLATFORM_OK) {
-        LYN_LOGE_AS(function, "bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(*result));
+        LYN_LOGE_AS(function, "bt_adapter_le_start_scan failed with [0x%04x]", static_cast<unsigned>(result));
         return false;
     }
     return true;
@@ -185,17 +189,15 @@ bool CScanner::StartPlatformScan(const char* function)
 
 bool CScanner::StopPlatformScan(const char* function)
 {
-    if (Scan().IsLost(m_Live.Number())) {
-        return true;  // The boost is the later service's, too.
-    }
-    LynUtil::SetBtPerformanceBoost(false);
-    const auto result = Scan().Use(m_Live.Number(), [] { return bt_adapter_le_stop_scan(); });
-    const int code = result.value_or(PLATFORM_OK);
-    if (code != PLATFORM_OK && code != BT_ERROR_NO_SCAN_RUNNING) {
-        LYN_LOGE_AS(function, "bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(code));
-        return false;
-    }
-    return true;
+    return UseScan([&] {
+        LynUtil::SetBtPerformanceBoost(false);
+        const int result = bt_adapter_le_stop_scan();
+        if (result != PLATFORM_OK && result != BT_ERROR_NO_SCAN_RUNNING) {
+            LYN_LOGE_AS(function, "bt_adapter_le_stop_scan failed with [0x%04x]", static_cast<unsigned>(result));
+            return false;
+        }
+        return true;
+    });
 }
 
 void CScanner::ScanResultTrampoline(int result, bt_adapter_le_device_scan_result_info_s* info, void* userData)

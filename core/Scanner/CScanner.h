@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -54,8 +55,11 @@ protected:
 
     // What these log is logged in the name of their caller.
 
-    /// The platform's scan with the boost around it; false when it refuses. The scan mode is the caller's.
-    bool StartPlatformScan(const char* function = __builtin_FUNCTION());
+    /// Uses the platform's scan when another thread does not; true also when a later service has it.
+    bool UseScan(const std::function<bool()>& use);
+    /// Inside UseScan(): starts it, with the boost around it; false when it refuses. The scan mode is the
+    /// caller's.
+    bool StartPlatformScan(const char* function);
     bool StopPlatformScan(const char* function = __builtin_FUNCTION());
 
     /// False, with a log line, for a scan result that no scanner can use.

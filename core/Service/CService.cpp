@@ -256,10 +256,16 @@ void CService::RequestInitiating(const RequestInitiatingResultCb& cb, const std:
     }
     const auto turn = TakeTurn(LYN_FSM_EVENT_REQUEST_INITIATING);
     const RequestCallEnd end{m_pRequester.get()};
-    Store(m_RequestResultCb, cb);
     StopAdvertisementAndScan();
-    ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING,
-                 MakeArg([this, deviceId, extraData] { OnRequestInitiating(deviceId, extraData); }));
+    try {
+        ProcessEvent(LYN_FSM_EVENT_REQUEST_INITIATING, MakeArg([&] {
+                         Store(m_RequestResultCb, cb);  // Not before: the result of the last request may be due.
+                         OnRequestInitiating(deviceId, extraData);
+                     }));
+    } catch (...) {
+        Store(m_RequestResultCb, cb);  // Kept: also a refused call gives the callback of the running request.
+        throw;
+    }
 }
 
 // A refusal, of a failed step too, does not keep the request from being tried.
@@ -306,10 +312,10 @@ int CService::GetNodlinkType()
 
 // ---- The work of the events --------------------------------------------------------------------------
 
-IScanner& CService::GetScanner() const
+IScanner& CService::GetScanner(const char* function) const
 {
     if (!m_pScanner) {
-        LogAndThrow<LynExceptionInternal>("m_pScanner is NULL");
+        LogAndThrow<LynExceptionInternal>("m_pScanner is NULL", __FILE__, function);
     }
     return *m_pScanner;
 }

@@ -108,7 +108,7 @@ private:
 
     void InitResultMap();
     std::shared_ptr<IServiceFSM> GetFsm() const;
-    IScanner& GetScanner() const;
+    IScanner& GetScanner(const char* function = __builtin_FUNCTION()) const;
     /// Keeps the others of the three operations out. Throws LynExceptionInvalidState for one that would move the
     /// machine from inside its own report.
     std::unique_lock<std::recursive_mutex> TakeTurn(LynFsmEvent event);

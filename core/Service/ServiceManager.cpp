@@ -28,7 +28,6 @@ std::shared_ptr<IService> Build(const std::string& name, const StateChangedCb& c
     if (!service) {
         LogAndThrow<LynExceptionInternal>("fail to alloc service", __FILE__, operation);
     }
-    service->Open();
     return service;
 }
 
@@ -74,6 +73,7 @@ void* CServiceManager::CreateService(const std::string& name, const StateChanged
         throw;
     }
     Occupy(service);
+    service->Open();
     return service->GetHandle();
 }
 

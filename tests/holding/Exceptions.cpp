@@ -31,21 +31,25 @@ const std::array<Exception, kExceptions> s_exceptions = {{
     {"while a state is written and reported", "what moves the state from the main loop",
      [](const Place& place) { return place.reportsState; },
      [](Work work, bool) { return work == Work::movingReport; }},
-    {"registering for link reports, and connecting then", "a request, of the next service too",
+    {"registering for link reports, connecting, disconnecting", "a request, of the next service too",
      IsAtLinkRegistration, [](Work work, bool) { return work == Work::request; }},
-    {"at the platform's one scan", "these three, of the next service too", IsAtScan,
+    {"at the platform's one scan, its mode and its boost", "these three, of the next service too", IsAtScan,
      [](Work work, bool) { return IsOneOfThree(work); }},
 }};
 
 bool IsAtLinkRegistration(const Place& place)
 {
-    return BeginsWithOneOf(place.what, {"bt_gatt_set_connection_state_changed_cb",
-                                        "bt_gatt_unset_connection_state_changed_cb", "bt_gatt_connect"});
+    return BeginsWithOneOf(place.what,
+                           {"bt_gatt_set_connection_state_changed_cb", "bt_gatt_unset_connection_state_changed_cb",
+                            "bt_gatt_connect", "bt_gatt_disconnect"});
 }
 
 bool IsAtScan(const Place& place)
 {
-    return BeginsWithOneOf(place.what, {"bt_adapter_le_start_scan", "bt_adapter_le_stop_scan"});
+    return place.isInThree &&
+           BeginsWithOneOf(place.what, {"bt_adapter_le_", "vconf_get_int", "log Util.cpp SetBtPerformanceBoost",
+                                        "log Util.cpp IsAcmWorkOn2_4Ghz", "log CScanner.cpp StartScan",
+                                        "log CScanner.cpp StopScan", "log CPhoneScanner.cpp StartScan"});
 }
 
 bool IsCallbackBeginning(const Place& place)

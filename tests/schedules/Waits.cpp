@@ -64,12 +64,16 @@ std::optional<Reason> ReasonOf(const Actor& waiting, const Actor& holder)
     if (state != nullptr && (inner.kind == Frame::Kind::loop || (isWork && inner.life == state->life))) {
         return Reason::state;
     }
-    if (isWork && IsInOneOf(holder, {"bt_adapter_le_start_scan", "bt_adapter_le_stop_scan"})) {
+    if (isWork &&
+        IsInOneOf(holder, {"bt_adapter_le_start_scan", "bt_adapter_le_stop_scan", "bt_adapter_le_set_scan_mode",
+                           "bt_adapter_le_set_customized_scan_mode_with_scan_type", "vconf_get_int",
+                           "bt_adapter_le_enable_le_scan_performance_boost"})) {
         return Reason::scan;
     }
     const bool isRequest = isWork && inner.what >= What::request;
-    if (isRequest && IsInOneOf(holder, {"bt_gatt_set_connection_state_changed_cb",
-                                        "bt_gatt_unset_connection_state_changed_cb", "bt_gatt_connect"})) {
+    if (isRequest &&
+        IsInOneOf(holder, {"bt_gatt_set_connection_state_changed_cb", "bt_gatt_unset_connection_state_changed_cb",
+                           "bt_gatt_connect", "bt_gatt_disconnect"})) {
         return Reason::registration;
     }
     return std::nullopt;

@@ -120,7 +120,8 @@ bool CGattClient::Disconnect()
     }
     UnRegisterGattSevices();
     DestroyPlatformClient();
-    bt_gatt_disconnect(m_RemoteAddress.c_str());
+    // Not when a later service has a link to the phone by now.
+    LinkReports().UseAtOnce(m_Live.Number(), [this] { return bt_gatt_disconnect(m_RemoteAddress.c_str()); });
     return true;
 }
 
