@@ -161,7 +161,8 @@ typedef void (*lyn_request_initiating_result_cb)(lyn_request_initiating_result_e
  *                lyn_destroy_service(). Left alone on failure.
  * @param service_name "mirroring", "nodlink", "kov", or "dummy" (a fixed phone that always agrees).
  *                "nodlink" cannot be created while Bluetooth is off.
- * @param cb state reports, may be null; none comes before the first operation.
+ * @param cb state reports, may be null; none comes before the first operation, but for "nodlink" that of a
+ *           change of Bluetooth or power.
  * @param user_data handed to cb.
  * @return LYN_ERROR_INVALID_PARAMETER for a null or unknown name, a null `service` or a handle that is
  *         not null; LYN_ERROR_ALREADY_DONE while a service lives or is being created; LYN_ERROR_INTERNAL when a

@@ -119,13 +119,12 @@ TEST_F(ServiceReports, OfAScanThatStoppedAreSwallowedWhereTheyAreRefused)
 TEST_F(ServiceReports, OfAResultRaiseTheirEventBeforeTheCallback)
 {
     InstallParts();
-    parts.onEvent = [&](LynFsmEvent event, const EventArgPtr&) {
-        if (event == LYN_FSM_EVENT_REQUEST_INITIATING_RESULT) {
-            EXPECT_TRUE(told.empty());
-        }
-    };
     Request();
     TakeCalls();
+    parts.onEvent = [&](LynFsmEvent event, const EventArgPtr&) {
+        EXPECT_EQ(event, LYN_FSM_EVENT_REQUEST_INITIATING_RESULT);
+        EXPECT_TRUE(told.empty());
+    };
     service->OnRequestResult(LYN_REQUEST_INITIATING_RESULT_CONNECTED);
     EXPECT_EQ(TakeCalls(), Texts({"event 4"}));
     EXPECT_EQ(told, Texts({"result 6"}));
