@@ -55,6 +55,7 @@ void KmsgPrint(const char* tag, const char* function, const char* format, ...)
     platform_log_print(lyn::LOG_ID_MAIN, (priority), lyn::LOG_TAG, "%s: %s(%d) > " format, \
                        lyn::BaseName(__FILE__), (function), __LINE__, __VA_ARGS__)
 #define LYN_LOGI_AS(function, format, ...) LYN_LOG_AS(function, lyn::LOG_INFO, format, __VA_ARGS__)
+#define LYN_LOGW_AS(function, format, ...) LYN_LOG_AS(function, lyn::LOG_WARN, format, __VA_ARGS__)
 #define LYN_LOGE_AS(function, format, ...) LYN_LOG_AS(function, lyn::LOG_ERROR, format, __VA_ARGS__)
 
 namespace lyn {

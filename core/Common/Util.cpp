@@ -34,14 +34,13 @@ bool SwitchBoost(bool enable)
 {
     constexpr const char* operation = "SetBtPerformanceBoost";
     if (enable && IsAcmWorkOn2_4Ghz()) {
-        LYN_LOG_AS(operation, LOG_INFO, "%s", "ACM is working on 2.4Ghz");
+        LYN_LOGI_AS(operation, "%s", "ACM is working on 2.4Ghz");
         return false;
     }
-    LYN_LOG_AS(operation, LOG_INFO, "bt_adapter_le_enable_le_scan_performance_boost : %d",
-               static_cast<int>(enable));
+    LYN_LOGI_AS(operation, "bt_adapter_le_enable_le_scan_performance_boost : %d", static_cast<int>(enable));
     const int result = bt_adapter_le_enable_le_scan_performance_boost(enable);
     if (result != PLATFORM_OK) {
-        LYN_LOG_AS(operation, LOG_ERROR, "ERROR: bt_adapter_le_enable_le_scan_performance_boost ret %d", result);
+        LYN_LOGE_AS(operation, "ERROR: bt_adapter_le_enable_le_scan_performance_boost ret %d", result);
     }
     return result == PLATFORM_OK;
 }

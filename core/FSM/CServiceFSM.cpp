@@ -15,7 +15,7 @@ constexpr const char* PROCESS_EVENT = "ProcessEvent";
 void CheckArg(const EventArgPtr& arg, const char* handler)
 {
     if (!arg) {
-        LYN_LOG_AS(handler, LOG_ERROR, "%s", "arg is nullptr");
+        LYN_LOGE_AS(handler, "%s", "arg is nullptr");
         throw LynExceptionInternal("event argument is nullptr");
     }
 }
@@ -87,7 +87,7 @@ bool CServiceFSM::DeinitStateMap()
 CServiceFSM::Position CServiceFSM::LookAtState() const
 {
     const Position position = m_CurrentState;
-    LYN_LOG_AS("GetCurrentState", LOG_WARN, "current state : %d %s", position.state, STATE_LEGEND);
+    LYN_LOGW_AS("GetCurrentState", "current state : %d %s", position.state, STATE_LEGEND);
     return position;
 }
 

@@ -158,7 +158,7 @@ void CNodLinkRequester::HandleMessage(Exchange& exchange, const std::string& typ
 
 void CNodLinkRequester::HandleResult(Exchange& exchange, const std::string& result)
 {
-    LYN_LOG_AS("OnCharateristicValueChangedCb", LOG_INFO, "data : %s", result.c_str());
+    LYN_LOGI_AS("OnCharateristicValueChangedCb", "data : %s", result.c_str());
     exchange.m_bRequestDone = true;
     NotifyRequestResult(exchange, result);
     if (result == "Success") {

@@ -49,7 +49,7 @@ CRequester::~CRequester() = default;
 
 std::shared_ptr<Exchange> CRequester::BeginExchange(const std::string& extraData)
 {
-    const auto exchange =
+    auto exchange =
         std::make_shared<Exchange>(std::static_pointer_cast<CRequester>(weak_from_this().lock()), extraData);
     std::shared_ptr<Exchange> replaced = exchange;
     {
@@ -239,7 +239,7 @@ void CRequester::OnGattDisConnected(Exchange& exchange, int result, const std::s
 
 // ---- Its end -----------------------------------------------------------------------------------------
 
-void CRequester::FinishAndDisconnect(Exchange& exchange)
+void CRequester::FinishAndDisconnect(Exchange& exchange) const
 {
     exchange.m_bRequestDone = true;
     if (exchange.m_GattClient && IsLatest(exchange)) {
@@ -252,7 +252,7 @@ void CRequester::Fail(Exchange& exchange, const std::exception& why, const char*
     if (!IsLatest(exchange)) {
         return;
     }
-    LYN_LOG_AS(function, LOG_ERROR, "exception : %s", why.what());
+    LYN_LOGE_AS(function, "exception : %s", why.what());
     NotifyRequestResult(exchange, RESULT_GATT_FAIL);
     FinishAndDisconnect(exchange);
 }

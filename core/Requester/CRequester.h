@@ -60,7 +60,7 @@ protected:
     /// A new exchange, in the place of the latest one. Null when the service is destroyed.
     std::shared_ptr<Exchange> BeginExchange(const std::string& extraData);
     /// Ends the exchange on this side.
-    void FinishAndDisconnect(Exchange& exchange);
+    void FinishAndDisconnect(Exchange& exchange) const;
     /// Ends it with "GattFail", for the step `function`, unless it is not the latest any more.
     void Fail(Exchange& exchange, const std::exception& why, const char* function = __builtin_FUNCTION());
     std::shared_ptr<Exchange> Latest() const;

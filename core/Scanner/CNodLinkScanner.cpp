@@ -52,7 +52,8 @@ CNodLinkScanner::CNodLinkScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb
 bool CNodLinkScanner::StartScan()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    const bool isStarted = UseScan([this, function = __func__] {
+    const char* const function = __func__;
+    const bool isStarted = UseScan([this, function] {
         bt_adapter_le_set_customized_scan_mode_with_scan_type(0, static_cast<float>(m_ScanInterval),
                                                               static_cast<float>(m_ScanWindow));
         return StartPlatformScan(function);

@@ -32,7 +32,8 @@ CPhoneScanner::CPhoneScanner(DeviceFoundCb deviceFoundCb, ScanStateChangedCb sca
 bool CPhoneScanner::StartScan()
 {
     const ApiTracker tracker(__PRETTY_FUNCTION__, __LINE__);
-    return UseScan([this, function = __func__] {
+    const char* const function = __func__;
+    return UseScan([this, function] {
         if (bt_adapter_le_set_scan_mode(0) != PLATFORM_OK) {
             LYN_LOGE_AS(function, "%s", "bt_adapter_le_set_scan_mode");
             return false;

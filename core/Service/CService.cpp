@@ -275,7 +275,7 @@ void CService::StopAdvertisementAndScan()
         ProcessEvent(LYN_FSM_EVENT_STOP_ADVERTISE, MakeArg([this] { OnStopAdvertisement(); }));
         ProcessEvent(LYN_FSM_EVENT_STOP_SCAN, MakeArg([this] { OnStopScan(); }));
     } catch (const std::exception&) {
-        LYN_LOG_AS("RequestInitiating", LOG_ERROR, "%s, Already stoppted", LynUtil::GetCurTime().c_str());
+        LYN_LOGE_AS("RequestInitiating", "%s, Already stoppted", LynUtil::GetCurTime().c_str());
     }
 }
 

@@ -82,7 +82,7 @@ protected:
         SetScanner(new Scanner(DeviceFoundReport(), ScanStateReport()));
         SetRequester(new Requester(RequestResultReport()));
         const lyn_error_e result = initFsm();
-        product.release();  // From now on Deinit() gives it back.
+        static_cast<void>(product.release());  // From now on Deinit() gives it back.
         return result;
     }
 

@@ -22,7 +22,7 @@ void DeleteService(IService* service)
 std::shared_ptr<IService> Build(const std::string& name, const StateChangedCb& cb)
 {
     constexpr const char* operation = "CreateService";
-    LYN_LOG_AS(operation, LOG_INFO, "create new sevice for %s", name.c_str());
+    LYN_LOGI_AS(operation, "create new sevice for %s", name.c_str());
     CServiceBuilder builder;
     std::shared_ptr<IService> service(builder.BuildService(name, cb), DeleteService);
     if (!service) {
