@@ -50,11 +50,13 @@ std::string Describe(StopKind at, const char* place)
 
 }  // namespace
 
-const Frame* Actor::Innermost(Frame::Kind kind) const
+bool Actor::IsInLibrary() const
 {
-    const auto found =
-        std::find_if(frames.rbegin(), frames.rend(), [&](const Frame& f) { return f.kind == kind; });
-    return found != frames.rend() ? &*found : nullptr;
+    if (frames.empty()) {
+        return false;
+    }
+    const Frame::Kind inner = frames.back().kind;
+    return inner == Frame::Kind::call || inner == Frame::Kind::platform || inner == Frame::Kind::loop;
 }
 
 std::size_t Actor::Count(Frame::Kind kind) const

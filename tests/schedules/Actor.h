@@ -59,7 +59,8 @@ struct Actor {
     /// In a platform call, a sleep, a callback or outside of the library: where it must hold no lock that others
     /// need.
     bool IsAtRealStop() const { return at < StopKind::lock; }
-    const Frame* Innermost(Frame::Kind kind) const;
+    /// Not outside of it, and not in a callback of the application.
+    bool IsInLibrary() const;
     std::size_t Count(Frame::Kind kind) const;
     bool IsInside(Frame::Kind kind, const Life* life) const;
     /// "M in lyn_stop_scan, in the state callback, before bt_adapter_le_stop_scan"

@@ -60,8 +60,9 @@ std::optional<Reason> ReasonOf(const Actor& waiting, const Actor& holder)
     if (isWork && IsAtWork(holder, inner.life)) {
         return Reason::work;
     }
-    const Frame* state = holder.Innermost(Frame::Kind::state);
-    if (state != nullptr && (inner.kind == Frame::Kind::loop || (isWork && inner.life == state->life))) {
+    const bool isLoop = inner.kind == Frame::Kind::loop;
+    if ((isLoop && holder.Count(Frame::Kind::state) > 0) ||
+        (isWork && holder.IsInside(Frame::Kind::state, inner.life))) {
         return Reason::state;
     }
     if (isWork &&
