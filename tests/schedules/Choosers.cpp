@@ -12,23 +12,6 @@ constexpr std::size_t kDeepest = 9;
 constexpr int kShortestSleep = 20;
 constexpr int kLongestSleep = 200;
 
-struct Weight {
-    What what;
-    int weight;
-};
-constexpr std::array<Weight, 12> kWithService = {{{What::create, 3},
-                                                  {What::destroy, 5},
-                                                  {What::scan, 14},
-                                                  {What::scanJson, 3},
-                                                  {What::stop, 13},
-                                                  {What::request, 24},
-                                                  {What::requestExtra, 4},
-                                                  {What::advertise, 8},
-                                                  {What::unadvertise, 5},
-                                                  {What::version, 5},
-                                                  {What::type, 5},
-                                                  {What::text, 4}}};
-
 bool HasService()
 {
     return TheLedger().HasService();
@@ -49,7 +32,8 @@ std::uint64_t Random::Next()
 RandomChooser::RandomChooser(std::uint64_t seed, bool endsProcess, int workers)
     : m_random(seed),
       m_calls(8 + m_random.Below(20)),
-      m_events(m_random.Percent(50) ? m_random.Below(10) : 0),
+      m_mood(m_random.Percent(25) ? Unrest() : Everything()),
+      m_events(m_random.Percent(50) ? m_mood.leastEvents + m_random.Below(m_mood.mostEvents) : m_mood.leastEvents),
       m_eventPercent(m_random.Of<int>({2, 5, 15})),
       m_switchPercent(m_random.Of<int>({8, 25, 50, 100})),
       m_loopPercent(m_random.Of<int>({0, 30, 60, 85})),
@@ -138,11 +122,11 @@ What RandomChooser::PickVerb()
         return What::create;
     }
     int sum = 0;
-    for (const Weight& one : kWithService) {
+    for (const Weight& one : m_mood.calls) {
         sum += one.weight;
     }
     int drawn = m_random.Below(sum);
-    for (const Weight& one : kWithService) {
+    for (const Weight& one : m_mood.calls) {
         drawn -= one.weight;
         if (drawn < 0) {
             return one.what;
@@ -157,7 +141,7 @@ Move RandomChooser::PickCall(const Actor& actor)
     Move move{actor.name, PickVerb()};
     switch (move.what) {
     case What::create:
-        move.number = m_random.Of<int>({0, 0, 0, 1, 1, 1, 1, 2, 2, 3, 3, 4});
+        move.number = m_random.Of(m_mood.services);
         break;
     case What::request:
     case What::requestExtra:
@@ -183,10 +167,8 @@ Move RandomChooser::PickCall(const Actor& actor)
 
 Move RandomChooser::PickTv()
 {
-    const What what = m_random.Of<What>({What::bluetoothOff, What::bluetoothOff, What::bluetoothOn,
-                                         What::bluetoothOn, What::bluetoothOn, What::suspend, What::ambient,
-                                         What::elapse, What::elapse, What::loseLink, What::loseLink, What::channel,
-                                         m_hasFaults ? What::fail : What::elapse});
+    const What drawn = m_random.Of(m_mood.events);
+    const What what = drawn == What::fail && !m_hasFaults ? What::elapse : drawn;
     Move move{'T', what};
     if (what == What::loseLink) {
         move.number = m_random.Below(kPhones);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "schedules/Conductor.h"
+#include "schedules/Mood.h"
 
 namespace lyn::schedules {
 
@@ -46,7 +47,8 @@ private:
 
     Random m_random;
     Script m_header;
-    int m_calls;            ///< still to come
+    int m_calls;  ///< still to come
+    const Mood& m_mood;
     int m_events;           ///< of the TV, still to come
     int m_eventPercent;     ///< how often one comes
     int m_switchPercent;    ///< how often another thread goes on

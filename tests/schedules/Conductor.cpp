@@ -36,8 +36,8 @@ Actor* Conductor::Me()
 
 void Conductor::Start(int workers, const Program& program)
 {
-    for (char name = 'A'; name < 'A' + workers; ++name) {
-        Actor& actor = *m_actors.emplace_back(std::make_unique<Actor>(name));
+    for (int i = 0; i < workers; ++i) {
+        Actor& actor = *m_actors.emplace_back(std::make_unique<Actor>(static_cast<char>('A' + i)));
         m_threads.emplace_back([this, &actor, program] { RunWorker(actor, program); });
     }
 }

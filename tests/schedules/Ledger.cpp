@@ -36,11 +36,13 @@ bool IsUncertain(const Actor& me)
            });
 }
 
-/// Other threads may have copied a callback, and be about to call it.
+/// Other threads may be about to call a callback. Without the stops that are none in every schedule, none of them
+/// stands between having looked whether the service lives and the callback.
 void NoteWhatIsUnderWay(Life& life, const Actor& me)
 {
-    for (const auto& actor : Conductor::Instance().Actors()) {
-        if (actor.get() != &me && IsBetweenFineStops(*actor)) {
+    const Conductor& conductor = Conductor::Instance();
+    for (const auto& actor : conductor.Actors()) {
+        if (actor.get() != &me && conductor.HasFineStops() && actor->IsInLibrary()) {
             life.mayStillReport.push_back(actor.get());
         }
     }

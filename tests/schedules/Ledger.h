@@ -58,8 +58,8 @@ struct Life {
     std::vector<Asked*> requests;
     std::vector<Asked*> scans;
     std::vector<Call*> calls;  ///< under way
-    /// Per thread that was in the library when the service was destroyed at a stop that not every schedule has: it
-    /// may still deliver what it had in its hand.
+    /// Threads that were in the library when the service was destroyed, and may deliver what they had in their
+    /// hands.
     std::vector<const Actor*> mayStillReport;
 
     bool IsNodLink() const { return service == "nodlink"; }
