@@ -158,7 +158,7 @@ void CheckAccepted(const Call& call, int code)
         return;
     }
     const Asked& asked = *call.asked;
-    Require(asked.isRequesting || asked.hasMissed || call.life->destroyBegun != kNever, "state",
+    Require(asked.IsRequesting() || asked.hasMissed || call.life->destroyBegun != kNever, "state",
             "an accepted request has not reported REQUESTING");
 }
 

@@ -30,10 +30,12 @@ struct Asked {
     Time begun = 0;
     Time ended = kNever;
     int code = 0;
-    bool isRequesting = false;  ///< it has reported REQUESTING
-    bool hasMissed = false;     ///< the state was moved before it could; it makes no transition then
-    bool isOvertaken = false;   ///< the service has left REQUESTING without its result
+    Time requestingAt = kNever;  ///< when it reported REQUESTING, if it has
+    bool hasMissed = false;      ///< the state was moved before it could; it makes no transition then
+    bool isOvertaken = false;    ///< the service has left REQUESTING without its result
     bool hasResult = false;
+
+    bool IsRequesting() const { return requestingAt != kNever; }
 };
 
 /// A service, from its creation on. The state callback's user data.

@@ -47,7 +47,7 @@ void Overtake(Life& life)
         if (asked->hasResult || (asked->ended != kNever && asked->code != LYN_ERROR_NONE)) {
             continue;
         }
-        (asked->isRequesting ? asked->isOvertaken : asked->hasMissed) = true;
+        (asked->IsRequesting() ? asked->isOvertaken : asked->hasMissed) = true;
     }
 }
 
@@ -131,7 +131,7 @@ void Ledger::NoteInCalls(Life& life, lyn_state_e state, const Actor& actor)
     }
     own->reported.push_back(state);
     if (state == LYN_STATE_REQUESTING && own->asked != nullptr) {
-        own->asked->isRequesting = true;
+        own->asked->requestingAt = Conductor::Instance().Now();
         own->asked->hasMissed = false;
     }
 }
@@ -209,23 +209,21 @@ bool Ledger::WasAbandoned(int phone) const
     });
 }
 
-/// The request that this is the result of: the oldest open one whose phone may have said so.
+/// The request that this is the result of: of the open ones, the one that began to wait first.
 Asked& Ledger::MatchResult(const Life& life, lyn_request_initiating_result_e result) const
 {
-    std::string phones;
+    Asked* first = nullptr;
     for (Asked* asked : life.requests) {
-        const bool isOpen = asked->isRequesting && !asked->isOvertaken && !asked->hasResult;
-        if (!isOpen) {
-            continue;
+        const bool isOpen = asked->IsRequesting() && !asked->isOvertaken && !asked->hasResult;
+        if (isOpen && (first == nullptr || asked->requestingAt < first->requestingAt)) {
+            first = asked;
         }
-        const bool mayBeCut = result == LYN_REQUEST_INITIATING_RESULT_GATT_FAIL && WasAbandoned(asked->phone);
-        if (mayBeCut || m_room.MayAnswer(asked->phone, life.service, result)) {
-            return *asked;
-        }
-        phones += " " + std::to_string(asked->phone);
     }
-    Fail("result", phones.empty() ? "a result comes without a request"
-                                  : "the result " + std::to_string(result) + " is not of phone" + phones);
+    Require(first != nullptr, "result", "a result comes without a request");
+    const bool mayBeCut = result == LYN_REQUEST_INITIATING_RESULT_GATT_FAIL && WasAbandoned(first->phone);
+    Require(mayBeCut || m_room.MayAnswer(first->phone, life.service, result), "result",
+            "the result " + std::to_string(result) + " is not of phone " + std::to_string(first->phone));
+    return *first;
 }
 
 }  // namespace lyn::schedules
