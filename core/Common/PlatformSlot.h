@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace lyn {
 
@@ -13,11 +14,13 @@ namespace lyn {
 /// made without a lock.
 class PlatformSlot {
 public:
+    /// The number of a service, and one within it; later ones are greater.
+    using User = std::pair<std::uintptr_t, std::uintptr_t>;
+
     /// Makes `call()`, which returns the platform's result, when a call of another thread has returned.
-    /// @param user a number, greater than those of earlier users
     /// @return none when a newer user has been here
     template <typename Call>
-    std::optional<int> Use(std::uintptr_t user, const Call& call)
+    std::optional<int> Use(const User& user, const Call& call)
     {
         std::unique_lock lock(m_Mutex);
         m_Returned.wait(lock, [&] { return m_Calls == 0; });
@@ -26,7 +29,7 @@ public:
 
     /// The same, without waiting: none also while a call of another user is made.
     template <typename Call>
-    std::optional<int> UseAtOnce(std::uintptr_t user, const Call& call)
+    std::optional<int> UseAtOnce(const User& user, const Call& call)
     {
         std::unique_lock lock(m_Mutex);
         return m_Calls > 0 && user != m_Newest ? std::nullopt : Make(lock, user, call);
@@ -34,7 +37,7 @@ public:
 
 private:
     template <typename Call>
-    std::optional<int> Make(std::unique_lock<std::mutex>& lock, std::uintptr_t user, const Call& call)
+    std::optional<int> Make(std::unique_lock<std::mutex>& lock, const User& user, const Call& call)
     {
         if (user < m_Newest) {
             return std::nullopt;
@@ -66,7 +69,7 @@ private:
 
     std::mutex m_Mutex;
     std::condition_variable m_Returned;
-    std::uintptr_t m_Newest = 0;
+    User m_Newest;
     int m_Calls = 0;  ///< More than one only of the newest user.
 };
 

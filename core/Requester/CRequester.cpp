@@ -16,6 +16,8 @@ namespace {
 constexpr unsigned int WANTED_MTU = 256;
 constexpr const char* RESULT_GATT_FAIL = "GattFail";
 
+std::atomic<std::uintptr_t> s_LastNumber{0};
+
 void DeleteClient(CGattClient* client)
 {
     LYN_LOGI("%s", "in custom deleter of m_GattClient");
@@ -39,7 +41,8 @@ bool Connect(CGattClient& client, const std::string& deviceAddress)
 CRequester::CRequester(RequestResultCb requestResultCb, std::string serviceUuid, std::string characteristicUuid)
     : m_RequestResultCallback(std::move(requestResultCb)),
       m_ServiceUuid(std::move(serviceUuid)),
-      m_CharacteristicUuid(std::move(characteristicUuid))
+      m_CharacteristicUuid(std::move(characteristicUuid)),
+      m_Number(++s_LastNumber)
 {
 }
 
@@ -104,7 +107,7 @@ bool CRequester::RequestInitiating(const std::string& deviceAddress, const std::
 
 std::shared_ptr<CGattClient> CRequester::MakeClient(Exchange& exchange) const
 {
-    exchange.m_GattClient = std::shared_ptr<CGattClient>(new CGattClient, DeleteClient);
+    exchange.m_GattClient = std::shared_ptr<CGattClient>(new CGattClient(m_Number), DeleteClient);
     exchange.m_GattClient->Init(
         [number = exchange.Number()](int result, bool connected, const std::string& address) {
             Exchange::Step(number, [&](CRequester& self, Exchange& own) {

@@ -76,6 +76,7 @@ private:
     const RequestResultCb m_RequestResultCallback;
     const std::string m_ServiceUuid;
     const std::string m_CharacteristicUuid;
+    const std::uintptr_t m_Number;  ///< As many as services: those of later ones are greater.
     const unsigned int m_TimeoutSec = 10;
 
     // Guarded by the lock.

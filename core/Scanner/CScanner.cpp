@@ -171,7 +171,7 @@ void CScanner::Drop(const Rejection& rejection, const char* function)
 
 bool CScanner::UseScan(const std::function<bool()>& use)
 {
-    const auto result = Scan().Use(m_Live.Number(), [&] { return use() ? PLATFORM_OK : PLATFORM_OK + 1; });
+    const auto result = Scan().Use({m_Live.Number(), 0}, [&] { return use() ? PLATFORM_OK : PLATFORM_OK + 1; });
     return result.value_or(PLATFORM_OK) == PLATFORM_OK;
 }
 

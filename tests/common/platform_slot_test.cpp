@@ -11,8 +11,8 @@ namespace lyn::test {
 namespace {
 
 // Users, the later with the greater number.
-constexpr std::uintptr_t OLD = 5;
-constexpr std::uintptr_t NEW = 7;
+constexpr PlatformSlot::User OLD = {3, 9};
+constexpr PlatformSlot::User NEW = {4, 5};
 constexpr int DONE = 0;
 
 int Do()
@@ -22,7 +22,7 @@ int Do()
 
 /// Holds another thread still inside its call, does the work, and lets it go on.
 template <typename Work>
-void WhileInUse(PlatformSlot& slot, std::uintptr_t user, const Work& work)
+void WhileInUse(PlatformSlot& slot, PlatformSlot::User user, const Work& work)
 {
     std::promise<void> inside;
     std::promise<void> goOn;
@@ -40,7 +40,7 @@ void WhileInUse(PlatformSlot& slot, std::uintptr_t user, const Work& work)
 }
 
 /// Begins to use it on a thread of its own, which gets every chance to come back before it must not.
-std::future<std::optional<int>> BeginToUse(PlatformSlot& slot, std::uintptr_t user, std::atomic<bool>& called)
+std::future<std::optional<int>> BeginToUse(PlatformSlot& slot, PlatformSlot::User user, std::atomic<bool>& called)
 {
     std::promise<void> onItsWay;
     auto begun = onItsWay.get_future();

@@ -57,7 +57,7 @@ bool CGattClient::Deinit()
 
 void CGattClient::UnregisterLinkReports()
 {
-    LinkReports().UseAtOnce(m_Live.Number(), [] { return bt_gatt_unset_connection_state_changed_cb(); });
+    LinkReports().UseAtOnce(SlotUser(), [] { return bt_gatt_unset_connection_state_changed_cb(); });
 }
 
 void CGattClient::DestroyPlatformClient()
@@ -74,7 +74,7 @@ bool CGattClient::Connect(const std::string& address)
     m_GattRetryCount = 0;
     // Before the attempt is begun: its end may be reported on another thread before this call ends.
     m_RemoteAddress = address;
-    const auto result = LinkReports().Use(m_Live.Number(), [&] { return RegisterAndConnect(address.c_str()); });
+    const auto result = LinkReports().Use(SlotUser(), [&] { return RegisterAndConnect(address.c_str()); });
     if (result != PLATFORM_OK) {
         m_RemoteAddress.clear();
     }
@@ -102,7 +102,7 @@ bool CGattClient::RetryConnect(const std::string& address)
     if (m_GattRetryCount < m_MaxGattRetryCount) {
         ++m_GattRetryCount;
         const auto connect = [&] { return bt_gatt_connect(address.c_str(), false); };
-        if (LinkReports().UseAtOnce(m_Live.Number(), connect) == PLATFORM_OK) {
+        if (LinkReports().UseAtOnce(SlotUser(), connect) == PLATFORM_OK) {
             LYN_LOGE("133 error, try again, m_GattRetryCount : %d, address : %s ", m_GattRetryCount,
                      address.c_str());
             return true;
@@ -121,7 +121,7 @@ bool CGattClient::Disconnect()
     UnRegisterGattSevices();
     DestroyPlatformClient();
     // Not when a later service has a link to the phone by now.
-    LinkReports().UseAtOnce(m_Live.Number(), [this] { return bt_gatt_disconnect(m_RemoteAddress.c_str()); });
+    LinkReports().UseAtOnce(SlotUser(), [this] { return bt_gatt_disconnect(m_RemoteAddress.c_str()); });
     return true;
 }
 

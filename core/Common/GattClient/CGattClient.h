@@ -7,9 +7,11 @@
 // which come one at a time. A callback keeps the client; the last owner's deleter calls Deinit().
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "Common/GattClient/CGattService.h"
 #include "Common/GattClient/GattCallbacks.h"
@@ -19,7 +21,9 @@ namespace lyn {
 
 class CGattClient : public std::enable_shared_from_this<CGattClient> {
 public:
-    CGattClient() = default;
+    /// @param service number of the service that it is for: whatever those of an earlier one begin late is left
+    /// out
+    explicit CGattClient(std::uintptr_t service = 0) : m_Service(service) {}
     ~CGattClient();
     CGattClient(const CGattClient&) = delete;
     CGattClient& operator=(const CGattClient&) = delete;
@@ -54,12 +58,14 @@ private:
     static void ConnectionStateTrampoline(int result, bool connected, const char* address, void* userData);
     static void MtuTrampoline(bt_gatt_client_h client, const bt_gatt_client_att_mtu_info_s* info, void* userData);
 
+    std::pair<std::uintptr_t, std::uintptr_t> SlotUser() const { return {m_Service, m_Live.Number()}; }
     int RegisterAndConnect(const char* address);
     void UnregisterLinkReports();
     void DestroyPlatformClient();
     /// False when a retry is under way, whose end will be reported.
     bool UpdateConnection(int result, bool connected, const std::string& address);
 
+    const std::uintptr_t m_Service;
     ConnectionStateChangedCb m_ConnectionStateChangedCb;
     CharacteristicValueChangedCb m_CharacteristicValueChangedCb;
     MtuChangedCb m_MtuChangedCb;
